@@ -1,0 +1,15 @@
+# The platform's log writer: the NDK's on Android, Debian's build of the same library on Linux,
+# which stands in a directory of its own.
+
+if(ANDROID)
+    find_library(ANDROID_LOG_LIBRARY log REQUIRED)
+    find_path(ANDROID_LOG_INCLUDE_DIR android/log.h REQUIRED)
+else()
+    find_library(ANDROID_LOG_LIBRARY log PATH_SUFFIXES android REQUIRED)
+    find_path(ANDROID_LOG_INCLUDE_DIR android/log.h PATH_SUFFIXES android REQUIRED)
+endif()
+
+add_library(android_log SHARED IMPORTED)
+set_target_properties(android_log PROPERTIES
+    IMPORTED_LOCATION ${ANDROID_LOG_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${ANDROID_LOG_INCLUDE_DIR})

@@ -1,0 +1,34 @@
+# The library: its objects, which tests of inner layers link, and the shared library made of them.
+
+add_library(zublipsyncapi_objects OBJECT
+    log/src/LogWriter.cpp
+    log/src/ThroughputLimit.cpp
+    utilities/log/src/Assertion.cpp)
+set_target_properties(zublipsyncapi_objects PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+target_compile_options(zublipsyncapi_objects PRIVATE -fno-rtti)
+target_include_directories(zublipsyncapi_objects PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(zublipsyncapi_objects
+    PUBLIC tinyxml android_log
+    PRIVATE zublipsyncapi_options)
+
+set(exports ${PROJECT_SOURCE_DIR}/cmake/zublipsyncapi.map)
+add_library(zublipsyncapi SHARED)
+add_library(zublipsyncapi::zublipsyncapi ALIAS zublipsyncapi)
+set_target_properties(zublipsyncapi PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR}
+    LINK_DEPENDS ${exports})
+target_compile_features(zublipsyncapi PUBLIC cxx_std_17)
+target_include_directories(zublipsyncapi INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+target_link_libraries(zublipsyncapi PRIVATE zublipsyncapi_objects zublipsyncapi_options)
+target_link_options(zublipsyncapi PRIVATE
+    LINKER:--version-script=${exports}
+    LINKER:--exclude-libs,ALL
+    LINKER:--as-needed)
+if(NOT ZUBLIPSYNCAPI_SANITIZERS)
+    # clang leaves its sanitizers' functions to the executable.
+    target_link_options(zublipsyncapi PRIVATE LINKER:--no-undefined)
+endif()

@@ -1,0 +1,34 @@
+# TinyXML, always as a static library: ours has a switch set that is global to TinyXML, so it is
+# shared with nobody.
+
+set(TINYXML_SOURCE_DIR "" CACHE PATH
+    "Source of TinyXML, to be built with its own string class; if empty, the system's is used")
+
+add_library(tinyxml INTERFACE)
+
+if(TINYXML_SOURCE_DIR)
+    # Debian's patched header insists on std::string; a copy of it goes without those lines.
+    file(READ ${TINYXML_SOURCE_DIR}/tinyxml.h TINYXML_HEADER)
+    string(REGEX REPLACE "#ifndef TIXML_USE_STL[ \t\r\n]+#define TIXML_USE_STL[ \t\r\n]+#endif" ""
+           TINYXML_HEADER "${TINYXML_HEADER}")
+    set(TINYXML_BUILD_DIR ${PROJECT_BINARY_DIR}/tinyxml)
+    file(CONFIGURE OUTPUT ${TINYXML_BUILD_DIR}/tinyxml.h CONTENT "${TINYXML_HEADER}" @ONLY)
+    foreach(source tinystr.h tinystr.cpp tinyxml.cpp tinyxmlerror.cpp tinyxmlparser.cpp)
+        configure_file(${TINYXML_SOURCE_DIR}/${source} ${TINYXML_BUILD_DIR}/${source} COPYONLY)
+    endforeach()
+
+    add_library(tinyxml_static STATIC
+        ${TINYXML_BUILD_DIR}/tinystr.cpp
+        ${TINYXML_BUILD_DIR}/tinyxml.cpp
+        ${TINYXML_BUILD_DIR}/tinyxmlerror.cpp
+        ${TINYXML_BUILD_DIR}/tinyxmlparser.cpp)
+    set_target_properties(tinyxml_static PROPERTIES
+        POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    target_link_libraries(tinyxml INTERFACE tinyxml_static)
+    target_include_directories(tinyxml SYSTEM INTERFACE ${TINYXML_BUILD_DIR})
+else()
+    find_library(TINYXML_LIBRARY libtinyxml.a REQUIRED)
+    find_path(TINYXML_INCLUDE_DIR tinyxml.h REQUIRED)
+    target_link_libraries(tinyxml INTERFACE ${TINYXML_LIBRARY})
+    target_include_directories(tinyxml SYSTEM INTERFACE ${TINYXML_INCLUDE_DIR})
+endif()

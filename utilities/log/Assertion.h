@@ -1,0 +1,18 @@
+#pragma once
+
+namespace velta::utilities {
+
+/// Writes one fatal record under the tag "VELTA" and aborts the process.
+[[noreturn]] void assertionFailed(const char* source, int line, const char* condition,
+                                  const char* message);
+
+} // namespace velta::utilities
+
+/// For broken invariants only: what a caller or the engine gets wrong ends in a result instead.
+/// `source` and `line` name the site in the record and stay what they are when code moves.
+#define VELTA_ASSERT(source, line, condition, message)                                    \
+    do {                                                                                  \
+        if (!(condition)) {                                                               \
+            ::velta::utilities::assertionFailed((source), (line), #condition, (message)); \
+        }                                                                                 \
+    } while (false)

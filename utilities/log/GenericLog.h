@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdarg>
+#include <locale>
+#include <sstream>
+#include <string>
+
+#include "utilities/TypeList.h"
+#include "utilities/log/AndroidLogTrait.h"
+#include "utilities/log/Level.h"
+#include "utilities/log/StdIoLogTrait.h"
+
+namespace velta::utilities {
+
+/// Hands every record to each log trait of a type list, last trait first. Stateless; any thread.
+/// Failures of an output are ignored: logging never changes what the caller does.
+template <typename Traits>
+class GenericLog;
+
+template <>
+class GenericLog<detail::TypeNull> {
+public:
+    template <details::Level::Enum level>
+    static void valog(const char*, const char*, va_list) {}
+};
+
+template <typename Head, typename Tail>
+class GenericLog<TypeList<Head, Tail>> {
+public:
+    /// Writes one record, formatted as `printf` would.
+    template <details::Level::Enum level>
+    [[gnu::format(printf, 2, 0)]] static void valog(const char* tag, const char* format,
+                                                    va_list args) {
+        va_list tailArgs;
+        va_copy(tailArgs, args);
+        GenericLog<Tail>::template valog<level>(tag, format, tailArgs);
+        va_end(tailArgs);
+        Head::template valog<level>(tag, format, args);
+    }
+
+    /// Collects the text of one record and writes it on destruction, unless it is empty.
+    template <details::Level::Enum level>
+    class Stream : public std::ostringstream {
+    public:
+        /// `tag` must outlive the stream.
+        explicit Stream(const char* tag) : _tag(tag) { imbue(std::locale::classic()); }
+
+        ~Stream() override {
+            const std::string text = str();
+            if (!text.empty()) {
+                log("%s", text.c_str());
+            }
+        }
+
+        [[gnu::format(printf, 2, 3)]] void log(const char* format, ...) {
+            va_list args;
+            va_start(args, format);
+            valog<level>(_tag, format, args);
+            va_end(args);
+        }
+
+    private:
+        const char* _tag;
+    };
+};
+
+/// The log of this library: the Android log first, then standard error.
+using StandardLog = GenericLog<TypeList<StdIoLogTrait, TypeList<AndroidLogTrait<false>>>>;
+
+} // namespace velta::utilities
