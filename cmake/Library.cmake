@@ -1,6 +1,8 @@
 # The library: its objects, which tests of inner layers link, and the shared library made of them.
 
 add_library(zublipsyncapi_objects OBJECT
+    comms/src/Client.cpp
+    comms/src/Link.cpp
     log/src/LogWriter.cpp
     log/src/ThroughputLimit.cpp
     utilities/log/src/Assertion.cpp)
