@@ -3,6 +3,7 @@
 add_library(zublipsyncapi_objects OBJECT
     comms/src/Client.cpp
     comms/src/Link.cpp
+    comms/src/TextProtocol.cpp
     log/src/LogWriter.cpp
     log/src/ThroughputLimit.cpp
     utilities/log/src/Assertion.cpp)

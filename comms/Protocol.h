@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+
+#include "comms/Link.h"
+#include "utilities/log/Assertion.h"
+#include "utilities/result/Result.h"
+
+namespace velta::zub::comms {
+
+/// A channel of whole messages over a link, which it owns and deletes. One thread at a time.
+template <typename Message>
+class Protocol {
+public:
+    enum class ResultCode : std::int32_t {
+        Success = 40000,
+        UnknownError = 40001,            ///< Not produced.
+        ProtocolError = 40002,           ///< Not produced.
+        LinkError = 40003,               ///< The link failed; its result is the cause.
+        ProtocolClosed = 40004,          ///< The link was closed on this side.
+        ProtocolClosedByDistant = 40005, ///< The peer has closed the link.
+        InternalError = 40006,           ///< Not produced.
+    };
+
+    struct ResultTrait {
+        using ResultCode = typename Protocol::ResultCode;
+        static constexpr ResultCode successCode = ResultCode::Success;
+        static const char* text(ResultCode code) {
+            switch (code) {
+                case ResultCode::Success:
+                    return "Success";
+                case ResultCode::UnknownError:
+                    return "Unknown error";
+                case ResultCode::ProtocolError:
+                    return "Protocol error";
+                case ResultCode::LinkError:
+                    return "Link error";
+                case ResultCode::ProtocolClosed:
+                    return "Protocol is closed.";
+                case ResultCode::ProtocolClosedByDistant:
+                    return "Protocol has been closed by distant";
+                case ResultCode::InternalError:
+                    return "Internal error";
+            }
+            return utilities::result::unreachableText;
+        }
+    };
+
+    using Result = utilities::result::Result<ResultTrait>;
+
+    /// Takes over `link`; null aborts the process.
+    explicit Protocol(Link* link) : _link(link) {
+        VELTA_ASSERT("comms/src/TextProtocol.cpp", 97, link != NULL, "Null pointer");
+    }
+
+    virtual ~Protocol() { delete _link; }
+
+    Protocol(const Protocol&) = delete;
+    Protocol& operator=(const Protocol&) = delete;
+
+    /// Sends one message, blocking without a time-out until the socket has taken all of it.
+    /// Returns `Success`, `LinkError`, `ProtocolClosed` or `ProtocolClosedByDistant`.
+    virtual Result send(const Message& message) = 0;
+
+    /// Waits without a time-out for one whole message. Success stores it in `message`, and the
+    /// caller deletes it; after a failure `message` is null. Returns as `send` does.
+    virtual Result receive(Message*& message) = 0;
+
+protected:
+    Link* _link;
+};
+
+} // namespace velta::zub::comms
