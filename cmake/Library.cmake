@@ -6,7 +6,10 @@ add_library(zublipsyncapi_objects OBJECT
     comms/src/TextProtocol.cpp
     log/src/LogWriter.cpp
     log/src/ThroughputLimit.cpp
-    utilities/log/src/Assertion.cpp)
+    utilities/log/src/Assertion.cpp
+    utilities/xmlserializer/src/Envelope.cpp
+    utilities/xmlserializer/src/ResultTrait.cpp
+    utilities/xmlserializer/src/XmlTraitSerializer.cpp)
 set_target_properties(zublipsyncapi_objects PROPERTIES
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden

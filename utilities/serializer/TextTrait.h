@@ -1,0 +1,13 @@
+#pragma once
+
+namespace velta::utilities::serializer {
+
+/// A value that stands in one text node.
+template <typename T, typename ConvertorType>
+struct TextTrait {
+    using Type = T;
+    using Convertor = ConvertorType;
+    static Type initialValue() { return Type{}; }
+};
+
+} // namespace velta::utilities::serializer

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <tinyxml.h>
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "utilities/TypeList.h"
+#include "utilities/xmlserializer/Envelope.h"
+#include "utilities/xmlserializer/ResultTrait.h"
+#include "utilities/xmlserializer/XmlTraitSerializer.h"
+
+namespace velta::utilities::xmlserializer {
+
+namespace detail {
+
+/// The trait in a list that serves a type. A type that no trait serves does not compile.
+template <typename Traits, typename Type>
+struct TraitOf
+    : std::conditional_t<std::is_same<typename Traits::Head::Type, Type>::value,
+                         TypeList<typename Traits::Head>, TraitOf<typename Traits::Tail, Type>> {};
+
+} // namespace detail
+
+/// Turns a typed request into a document, and a document into a typed answer. Immutable; any
+/// thread. `Traits` is the type list of the record traits that serve the messages.
+template <typename Traits>
+class XmlSerializer {
+public:
+    XmlSerializer(std::string rootTag_, std::string version_)
+        : rootTag(std::move(rootTag_)), version(std::move(version_)) {}
+
+    /// On failure `text` is empty and the code is the one of the request's trait.
+    template <typename Request>
+    Result serialize(const Request& request, std::string& text) const {
+        using Trait = typename detail::TraitOf<Traits, Request>::Head;
+        text.clear();
+        auto command = std::make_unique<TiXmlElement>(Trait::tag);
+        Result result = XmlTraitSerializer<Trait>::toXml(request, *command);
+        if (result.isFailure()) {
+            return result << " (While serializing \"" << Trait::tag << "\")";
+        }
+        text = detail::printDocument(rootTag, version, std::move(command));
+        return Result::success();
+    }
+
+    /// After a failure `answer` may be filled in part: fields read before the failing one are set.
+    template <typename Answer>
+    Result deserialize(const std::string& text, Answer& answer) const {
+        using Trait = typename detail::TraitOf<Traits, Answer>::Head;
+        TiXmlDocument document;
+        const TiXmlElement* command = nullptr;
+        const Result result = detail::parseDocument(text, rootTag, version, document, command);
+        if (result.isFailure()) {
+            return result;
+        }
+        return XmlTraitSerializer<Trait>::fromXml(*command, answer, Trait::tag);
+    }
+
+private:
+    std::string rootTag;
+    std::string version;
+};
+
+} // namespace velta::utilities::xmlserializer

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <tinyxml.h>
+
+#include <string>
+
+#include "utilities/serializer/NamedTextTrait.h"
+#include "utilities/serializer/TextTrait.h"
+#include "utilities/xmlserializer/ChildAccess.h"
+#include "utilities/xmlserializer/ResultTrait.h"
+#include "utilities/xmlserializer/SerializerChildList.h"
+
+namespace velta::utilities::xmlserializer {
+
+namespace detail {
+
+/// Fails unless the element is named `tag`.
+Result checkName(const TiXmlNode& element, const char* tag);
+
+/// Appends the element that was being read to an outcome, be it a success or a failure.
+Result whileDeserializing(Result outcome, const char* tag);
+
+} // namespace detail
+
+/// Converts the value of a trait to XML and back. This is the form for records; the
+/// specialisations serve the other kinds of traits.
+template <typename Trait>
+struct XmlTraitSerializer {
+    using Record = typename Trait::Type;
+    using Children = detail::SerializerChildList<Record, typename Trait::Children>;
+
+    /// Fills `element`, which the caller has named.
+    static Result toXml(const Record& record, TiXmlNode& element) {
+        return Children::toXml(record, element);
+    }
+
+    /// Reads an element that must be named `tag`. After a failure `record` holds the children
+    /// that were read before the failing one.
+    static Result fromXml(const TiXmlNode& element, Record& record, const char* tag) {
+        const Result name = detail::checkName(element, tag);
+        if (name.isFailure()) {
+            return name;
+        }
+        return detail::whileDeserializing(Children::fromXml(element, record), tag);
+    }
+};
+
+template <typename T, typename Convertor>
+struct XmlTraitSerializer<serializer::TextTrait<T, Convertor>> {
+    /// Makes a text node, which the caller owns. After a failure `node` is unchanged.
+    static Result toXml(const T& value, TiXmlNode*& node) {
+        std::string text;
+        if (!Convertor::toString(value, text)) {
+            return Result(ResultCode::ConversionFailed)
+                   << "Unable to convert \"" << value << "\" to string.";
+        }
+        node = new TiXmlText(text.c_str());
+        return Result::success();
+    }
+
+    /// After a failure `value` is unchanged.
+    static Result fromXml(const TiXmlNode& node, T& value) {
+        if (node.ToText() == nullptr) {
+            return Result(ResultCode::UnexpectedNodeType) << "Expected an xml text node";
+        }
+        if (!Convertor::fromString(node.Value(), value)) {
+            return Result(ResultCode::ConversionFailed)
+                   << "Unable to convert from string \"" << node.Value() << "\".";
+        }
+        return Result::success();
+    }
+};
+
+template <typename T, const char* const* elementName, bool emptyTextAllowed, typename Convertor>
+struct XmlTraitSerializer<serializer::NamedTextTrait<T, elementName, emptyTextAllowed, Convertor>> {
+    using Text = serializer::TextTrait<T, Convertor>;
+
+    /// Reads an element that must be named `tag`. After a failure `value` is unchanged.
+    static Result fromXml(const TiXmlNode& element, T& value, const char* tag) {
+        const Result name = detail::checkName(element, tag);
+        if (name.isFailure()) {
+            return name;
+        }
+        return detail::whileDeserializing(readText(element, value), tag);
+    }
+
+private:
+    static Result readText(const TiXmlNode& element, T& value) {
+        const TiXmlNode* text = nullptr;
+        const Result found = detail::ChildAccess<Text>::get(element, text);
+        if (text != nullptr) {
+            return XmlTraitSerializer<Text>::fromXml(*text, value);
+        }
+        if (!emptyTextAllowed) {
+            return found;
+        }
+        value = T{};
+        return Result::success();
+    }
+};
+
+} // namespace velta::utilities::xmlserializer

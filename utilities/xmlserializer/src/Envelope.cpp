@@ -1,0 +1,62 @@
+#include "utilities/xmlserializer/Envelope.h"
+
+namespace velta::utilities::xmlserializer::detail {
+
+namespace {
+
+// By default TinyXML trims and folds white space; then a number with a blank beside it would be
+// accepted, and a message would not arrive as it was sent. The switch is global to TinyXML, of
+// which this library has a copy of its own, and is set before any thread can parse.
+const bool whiteSpaceIsKept = (TiXmlBase::SetCondenseWhiteSpace(false), true);
+
+Result failure() {
+    return ResultCode::ConversionFailed;
+}
+
+} // namespace
+
+std::string printDocument(const std::string& rootTag, const std::string& version,
+                          std::unique_ptr<TiXmlElement> command) {
+    auto root = std::make_unique<TiXmlElement>(rootTag.c_str());
+    root->SetAttribute("version", version.c_str());
+    root->LinkEndChild(command.release());
+
+    TiXmlDocument document;
+    document.LinkEndChild(new TiXmlDeclaration("1.0", "", ""));
+    document.LinkEndChild(root.release());
+
+    TiXmlPrinter printer;
+    printer.SetStreamPrinting();
+    document.Accept(&printer);
+    return printer.CStr();
+}
+
+Result parseDocument(const std::string& text, const std::string& rootTag,
+                     const std::string& version, TiXmlDocument& document,
+                     const TiXmlElement*& command) {
+    command = nullptr;
+    // Parser errors are not looked at: what tree there is decides.
+    document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+    const TiXmlElement* const root = document.FirstChildElement(rootTag.c_str());
+    if (root == nullptr) {
+        return failure() << "No '" << rootTag << "' root element found in xml data.";
+    }
+    const char* const attribute = root->Attribute("version");
+    if (attribute == nullptr) {
+        return failure() << "No version found in root node '" << rootTag;
+    }
+    if (version != attribute) {
+        return failure() << "Version does not match; expect '" << version << "' got '" << attribute
+                         << "'.";
+    }
+    if (root->NextSiblingElement() != nullptr) {
+        return failure() << "No command tag found.";
+    }
+    command = root->FirstChildElement();
+    if (command == nullptr) {
+        return failure() << "No content under root element.";
+    }
+    return Result::success();
+}
+
+} // namespace velta::utilities::xmlserializer::detail
