@@ -1,6 +1,9 @@
 # The library: its objects, which tests of inner layers link, and the shared library made of them.
 
 add_library(zublipsyncapi_objects OBJECT
+    cmdfrmwrk/src/Client.cpp
+    cmdfrmwrk/src/Command.cpp
+    cmdfrmwrk/src/Peer.cpp
     comms/src/Client.cpp
     comms/src/Link.cpp
     comms/src/TextProtocol.cpp

@@ -1,0 +1,26 @@
+#include "cmdfrmwrk/Client.h"
+
+#include "utilities/log/Assertion.h"
+
+namespace velta::zub::cmdfrmwrk {
+
+Client::Client(comms::Link* link) : Peer(link) {}
+
+Client::~Client() = default;
+
+Client::Result Client::exchange(const std::string& request, std::unique_ptr<std::string>& answer) {
+    const Result sent = toPeerResult(_protocol.send(request));
+    if (sent.isFailure()) {
+        return sent;
+    }
+    std::string* answerStr = nullptr;
+    const Result received = toPeerResult(_protocol.receive(answerStr));
+    if (received.isFailure()) {
+        return received;
+    }
+    VELTA_ASSERT("lipsyncapi/src/Service.cpp", 94, answerStr != NULL, "answer string is null");
+    answer.reset(answerStr);
+    return Result::success();
+}
+
+} // namespace velta::zub::cmdfrmwrk

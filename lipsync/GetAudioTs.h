@@ -1,0 +1,17 @@
+#pragma once
+
+#include "cmdfrmwrk/Command.h"
+#include "lipsync/common/LipSyncNtpTimestamps.h"
+
+namespace velta::zub::lipsync {
+
+/// Reads the engine's audio timestamps.
+struct GetAudioTs {
+    struct Request {};
+
+    struct Answer : cmdfrmwrk::Command::Answer {
+        common::LipSyncNtpTimestamps timestamps;
+    };
+};
+
+} // namespace velta::zub::lipsync
