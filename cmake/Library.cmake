@@ -7,6 +7,7 @@ add_library(zublipsyncapi_objects OBJECT
     comms/src/Client.cpp
     comms/src/Link.cpp
     comms/src/TextProtocol.cpp
+    lipsyncapi/src/Service.cpp
     log/src/LogWriter.cpp
     log/src/ThroughputLimit.cpp
     utilities/log/src/Assertion.cpp

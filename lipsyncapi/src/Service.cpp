@@ -1,0 +1,213 @@
+#include "lipsyncapi/Service.h"
+
+#include <memory>
+
+#include "cmdfrmwrk/Client.h"
+#include "comms/Client.h"
+#include "lipsync/SerializationTraits.h"
+#include "lipsyncapi/ApiLog.h"
+#include "lipsyncapi/Logger.h"
+#include "utilities/log/Assertion.h"
+
+namespace velta::zub::lipsyncapi {
+
+namespace {
+
+using ApiLog = log::ApiLog<Logger>;
+
+constexpr unsigned long maxAudioDelayMarginMs = 100;
+constexpr unsigned long granularityOfMarginMs = 20;
+
+Service::Result notConnected() {
+    return Service::Result(Service::ResultCode::BadState) << "Not connected to the audio ZUB";
+}
+
+// The engine's own verdict, in the words of this domain.
+Service::Result toServiceResult(const cmdfrmwrk::Command::Result& verdict) {
+    const bool notInCall = verdict.code == cmdfrmwrk::Command::ResultCode::BadState;
+    return Service::Result(
+        verdict, notInCall ? Service::ResultCode::NotInCall : Service::ResultCode::ServerError,
+        Service::ResultCode::Success);
+}
+
+// One exchange with the engine, judged.
+template <typename Command>
+Service::Result execute(cmdfrmwrk::Client& client, const typename Command::Request& request,
+                        typename Command::Answer& answer) {
+    const auto exchanged = client.executeCommand<Command, lipsync::Serializer>(request, answer);
+    if (exchanged.isFailure()) {
+        return Service::Result(exchanged, Service::ResultCode::TransportError,
+                               Service::ResultCode::Success);
+    }
+    return toServiceResult(answer.result);
+}
+
+} // namespace
+
+const std::string Service::defaultLipsyncSocketName = "/dev/socket/azub_lipsync";
+const std::uint32_t Service::capabilityMaxAudioDelayMargin;
+const std::uint32_t Service::capabilityGranularityMs;
+
+const char* Service::ResultTrait::text(ResultCode code) {
+    switch (code) {
+        case ResultCode::Success:
+            return "Success";
+        case ResultCode::UnknownError:
+            return "Unknown error";
+        case ResultCode::InvalidParam:
+            return "Invalid Param";
+        case ResultCode::BadState:
+            return "Bad state";
+        case ResultCode::CannotConnect:
+            return "Cannot connect to Audio ZUB";
+        case ResultCode::TransportError:
+            return "An error has occured in the transport layer";
+        case ResultCode::ServerError:
+            return "The lipsync server returned an error";
+        case ResultCode::NotInCall:
+            return "The AZUB is not performing a call";
+    }
+    return utilities::result::unreachableText;
+}
+
+Service::Service() : _commandClient(nullptr), _state(State::Disconnected), _audioDelayMargin(0) {
+    // A service with static storage still needs this object when it is destroyed at exit, so the
+    // object must have been constructed first.
+    Result::success();
+}
+
+Service::~Service() {
+    disconnect();
+}
+
+Service::Result Service::connect(const std::string& socketName) {
+    const Result result = connectInternal(socketName);
+    ApiLog()
+        .addInput("lipsyncSocketName", socketName)
+        .setResult(result)
+        .event("Client is connecting");
+    return result;
+}
+
+Service::Result Service::connectInternal(const std::string& socketName) {
+    if (_state != State::Disconnected) {
+        return Result(ResultCode::BadState) << "Already connected to the audio ZUB";
+    }
+    comms::Link* newLink = nullptr;
+    const auto connected = comms::Client::connectUnixServer(socketName.c_str(), newLink);
+    std::unique_ptr<comms::Link> link(newLink);
+    if (connected.isFailure()) {
+        return Result(connected, ResultCode::CannotConnect, ResultCode::Success);
+    }
+    _commandClient = new cmdfrmwrk::Client(link.get());
+    link.release();
+    _state = State::Connected;
+    return Result::success();
+}
+
+Service::Result Service::disconnect() {
+    const Result result = disconnectInternal();
+    ApiLog().setResult(result).event("Client is disconnected");
+    return result;
+}
+
+Service::Result Service::disconnectInternal() {
+    if (_state != State::Connected) {
+        return notConnected();
+    }
+    delete _commandClient;
+    _commandClient = nullptr;
+    _state = State::Disconnected;
+    return Result::success();
+}
+
+Service::Result Service::getCapabilities(unsigned long& granularityMs,
+                                         unsigned long& maxAudioDelayMarginMs_) const {
+    if (_state != State::Connected) {
+        return notConnected();
+    }
+    VELTA_ASSERT("lipsyncapi/src/Service.cpp", 114, _commandClient != NULL,
+                 "Inconsistent state client is null");
+    granularityMs = granularityOfMarginMs;
+    maxAudioDelayMarginMs_ = maxAudioDelayMarginMs;
+    return Result::success();
+}
+
+Service::Result Service::getAudioDelayMargin(unsigned long& marginMs) const {
+    if (_state != State::Connected) {
+        return notConnected();
+    }
+    marginMs = _audioDelayMargin;
+    return Result::success();
+}
+
+Service::Result Service::setAudioDelayMargin(unsigned long delayMs) {
+    const Result result = setAudioDelayMarginInternal(delayMs);
+    ApiLog()
+        .addInput("delayMs", delayMs)
+        .setResult(result)
+        .event("Client is setting the audio delay margin");
+    return result;
+}
+
+Service::Result Service::setAudioDelayMarginInternal(unsigned long delayMs) {
+    if (_state != State::Connected) {
+        return notConnected();
+    }
+    if (delayMs > maxAudioDelayMarginMs) {
+        return Result(ResultCode::InvalidParam)
+               << " audio delay margin " << delayMs << " is not in range "
+               << "[0.." << maxAudioDelayMarginMs << "]";
+    }
+    if (delayMs % granularityOfMarginMs != 0) {
+        return Result(ResultCode::InvalidParam)
+               << " audio delay margin " << delayMs << " doesn't match "
+               << " granularity of " << granularityOfMarginMs << "ms.";
+    }
+    VELTA_ASSERT("lipsyncapi/src/Service.cpp", 205, _commandClient != NULL,
+                 "Inconsistent state client is null");
+    lipsync::SetAudioDelay::Request request;
+    request.delayMs = delayMs;
+    lipsync::SetAudioDelay::Answer answer;
+    const Result result = execute<lipsync::SetAudioDelay>(*_commandClient, request, answer);
+    if (result.isSuccess()) {
+        _audioDelayMargin = delayMs;
+    }
+    return result;
+}
+
+Service::Result Service::getAudioTimestamps(common::LipSyncNtpTimestamps& timestamps) const {
+    const Result result = getAudioTimestampsInternal(timestamps);
+    ApiLog()
+        .addOutput("audioCaptureTimestamp", timestamps.audioCaptureTimestamp)
+        .addOutput("audioRenderingTimestamp", timestamps.audioRenderingTimestamp)
+        .addOutput("audioReceivingTimestamp", timestamps.audioReceivingTimestamp)
+        .addOutput("jbmCurrentDepth", timestamps.jbmCurrentDepth)
+        .setResult(result)
+        .event("Client is requesting the NTP timestamp");
+    return result;
+}
+
+Service::Result Service::getAudioTimestampsInternal(
+    common::LipSyncNtpTimestamps& timestamps) const {
+    if (_state != State::Connected) {
+        return notConnected();
+    }
+    VELTA_ASSERT("lipsyncapi/src/Service.cpp", 142, _commandClient != NULL,
+                 "Inconsistent state client is null");
+    lipsync::GetAudioTs::Answer answer;
+    const Result result = execute<lipsync::GetAudioTs>(*_commandClient, {}, answer);
+    if (result.isSuccess()) {
+        timestamps = answer.timestamps;
+    }
+    return result;
+}
+
+Service::Result Service::setVideoTimestamps(const common::LipSyncNtpTimestamps&) {
+    if (_state != State::Connected) {
+        return notConnected();
+    }
+    return Result::success();
+}
+
+} // namespace velta::zub::lipsyncapi
