@@ -30,7 +30,7 @@ public:
             return Result(serialized, ResultCode::SerializerError, ResultCode::Success);
         }
         std::unique_ptr<std::string> answerText;
-        const Result exchanged = exchange(requestText, answerText);
+        Result exchanged = exchange(requestText, answerText);
         if (exchanged.isFailure()) {
             return exchanged;
         }

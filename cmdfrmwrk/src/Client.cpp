@@ -9,12 +9,12 @@ Client::Client(comms::Link* link) : Peer(link) {}
 Client::~Client() = default;
 
 Client::Result Client::exchange(const std::string& request, std::unique_ptr<std::string>& answer) {
-    const Result sent = toPeerResult(_protocol.send(request));
+    Result sent = toPeerResult(_protocol.send(request));
     if (sent.isFailure()) {
         return sent;
     }
     std::string* answerStr = nullptr;
-    const Result received = toPeerResult(_protocol.receive(answerStr));
+    Result received = toPeerResult(_protocol.receive(answerStr));
     if (received.isFailure()) {
         return received;
     }

@@ -42,7 +42,7 @@ TextProtocol::Result TextProtocol::receive(std::string*& message) {
     message = nullptr;
     std::string::size_type end = _receiveBuffer.find(endMessageMarker);
     while (end == std::string::npos) {
-        const Result result = receiveChunk();
+        Result result = receiveChunk();
         if (result.isFailure()) {
             return result;
         }

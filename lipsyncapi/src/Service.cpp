@@ -81,7 +81,7 @@ Service::~Service() {
 }
 
 Service::Result Service::connect(const std::string& socketName) {
-    const Result result = connectInternal(socketName);
+    Result result = connectInternal(socketName);
     ApiLog()
         .addInput("lipsyncSocketName", socketName)
         .setResult(result)
@@ -100,13 +100,13 @@ Service::Result Service::connectInternal(const std::string& socketName) {
         return Result(connected, ResultCode::CannotConnect, ResultCode::Success);
     }
     _commandClient = new cmdfrmwrk::Client(link.get());
-    link.release();
+    static_cast<void>(link.release());
     _state = State::Connected;
     return Result::success();
 }
 
 Service::Result Service::disconnect() {
-    const Result result = disconnectInternal();
+    Result result = disconnectInternal();
     ApiLog().setResult(result).event("Client is disconnected");
     return result;
 }
@@ -142,7 +142,7 @@ Service::Result Service::getAudioDelayMargin(unsigned long& marginMs) const {
 }
 
 Service::Result Service::setAudioDelayMargin(unsigned long delayMs) {
-    const Result result = setAudioDelayMarginInternal(delayMs);
+    Result result = setAudioDelayMarginInternal(delayMs);
     ApiLog()
         .addInput("delayMs", delayMs)
         .setResult(result)
@@ -169,7 +169,7 @@ Service::Result Service::setAudioDelayMarginInternal(unsigned long delayMs) {
     lipsync::SetAudioDelay::Request request;
     request.delayMs = delayMs;
     lipsync::SetAudioDelay::Answer answer;
-    const Result result = execute<lipsync::SetAudioDelay>(*_commandClient, request, answer);
+    Result result = execute<lipsync::SetAudioDelay>(*_commandClient, request, answer);
     if (result.isSuccess()) {
         _audioDelayMargin = delayMs;
     }
@@ -177,7 +177,7 @@ Service::Result Service::setAudioDelayMarginInternal(unsigned long delayMs) {
 }
 
 Service::Result Service::getAudioTimestamps(common::LipSyncNtpTimestamps& timestamps) const {
-    const Result result = getAudioTimestampsInternal(timestamps);
+    Result result = getAudioTimestampsInternal(timestamps);
     ApiLog()
         .addOutput("audioCaptureTimestamp", timestamps.audioCaptureTimestamp)
         .addOutput("audioRenderingTimestamp", timestamps.audioRenderingTimestamp)
@@ -196,7 +196,7 @@ Service::Result Service::getAudioTimestampsInternal(
     VELTA_ASSERT("lipsyncapi/src/Service.cpp", 142, _commandClient != NULL,
                  "Inconsistent state client is null");
     lipsync::GetAudioTs::Answer answer;
-    const Result result = execute<lipsync::GetAudioTs>(*_commandClient, {}, answer);
+    Result result = execute<lipsync::GetAudioTs>(*_commandClient, {}, answer);
     if (result.isSuccess()) {
         timestamps = answer.timestamps;
     }

@@ -52,7 +52,7 @@ public:
         using Trait = typename detail::TraitOf<Traits, Answer>::Head;
         TiXmlDocument document;
         const TiXmlElement* command = nullptr;
-        const Result result = detail::parseDocument(text, rootTag, version, document, command);
+        Result result = detail::parseDocument(text, rootTag, version, document, command);
         if (result.isFailure()) {
             return result;
         }

@@ -37,7 +37,7 @@ struct XmlTraitSerializer {
     /// Reads an element that must be named `tag`. After a failure `record` holds the children
     /// that were read before the failing one.
     static Result fromXml(const TiXmlNode& element, Record& record, const char* tag) {
-        const Result name = detail::checkName(element, tag);
+        Result name = detail::checkName(element, tag);
         if (name.isFailure()) {
             return name;
         }
@@ -77,7 +77,7 @@ struct XmlTraitSerializer<serializer::NamedTextTrait<T, elementName, emptyTextAl
 
     /// Reads an element that must be named `tag`. After a failure `value` is unchanged.
     static Result fromXml(const TiXmlNode& element, T& value, const char* tag) {
-        const Result name = detail::checkName(element, tag);
+        Result name = detail::checkName(element, tag);
         if (name.isFailure()) {
             return name;
         }
@@ -87,7 +87,7 @@ struct XmlTraitSerializer<serializer::NamedTextTrait<T, elementName, emptyTextAl
 private:
     static Result readText(const TiXmlNode& element, T& value) {
         const TiXmlNode* text = nullptr;
-        const Result found = detail::ChildAccess<Text>::get(element, text);
+        Result found = detail::ChildAccess<Text>::get(element, text);
         if (text != nullptr) {
             return XmlTraitSerializer<Text>::fromXml(*text, value);
         }
