@@ -1,0 +1,43 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace azubsim {
+
+/// The engine's verdict on a request.
+struct Verdict {
+    int code = 1000;
+    std::string message;
+};
+
+/// NTP timestamps in 32.32 fixed point, and the depth of the jitter buffer in ms.
+struct Timestamps {
+    std::uint64_t capture = 0;
+    std::uint64_t rendering = 0;
+    std::uint64_t receiving = 0;
+    std::uint64_t jitterDepthMs = 0;
+};
+
+/// The audio side of a call: packets that come through a network into a jitter buffer, and out of
+/// it to the loudspeaker.
+class AudioEngine {
+public:
+    using Clock = std::chrono::system_clock;
+
+    explicit AudioEngine(bool inCall) : _inCall(inCall) {}
+
+    /// The packet that arrived last: when it was captured, when it arrived, and when it will be
+    /// rendered, which a margin delays by exactly so much.
+    Verdict timestamps(Clock::time_point now, Timestamps& timestamps) const;
+
+    /// Takes multiples of 20 ms up to 100 ms.
+    Verdict setMargin(std::uint64_t marginMs);
+
+private:
+    bool _inCall;
+    std::chrono::milliseconds _margin{0};
+};
+
+} // namespace azubsim
