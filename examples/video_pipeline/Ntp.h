@@ -1,0 +1,26 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+
+namespace video {
+
+// NTP timestamps in 32.32 fixed point count seconds from 1900 in their upper half.
+constexpr std::uint64_t secondsFrom1900To1970 = 2208988800;
+constexpr double unitsPerSecond = 4294967296.0;
+
+inline std::uint64_t ntpNow() {
+    using namespace std::chrono;
+    const double seconds = duration<double>(system_clock::now().time_since_epoch()).count();
+    const auto whole = static_cast<std::uint64_t>(seconds);
+    const double fraction = seconds - static_cast<double>(whole);
+    return ((whole + secondsFrom1900To1970) << 32) +
+           static_cast<std::uint64_t>(fraction * unitsPerSecond);
+}
+
+/// From one timestamp to a later one, or, negative, to an earlier one.
+inline double ntpMillisecondsBetween(std::uint64_t from, std::uint64_t to) {
+    return static_cast<double>(static_cast<std::int64_t>(to - from)) * 1000.0 / unitsPerSecond;
+}
+
+} // namespace video

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <random>
+
+namespace video {
+
+/// One picture on the screen.
+struct Picture {
+    std::uint64_t captured; ///< At the far end; NTP 32.32.
+    std::uint64_t shown;    ///< Here; NTP 32.32.
+};
+
+/// Simulated pictures of a call, 30 a second: network, decoder and display make each some 195 ms
+/// late, give or take a few.
+class Pictures {
+public:
+    /// Blocks until the next picture is on the screen.
+    Picture next();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    Clock::time_point _due = Clock::now();
+    std::mt19937 _random{1};
+};
+
+} // namespace video

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+
+namespace video {
+
+/// How far the audio may be from the picture before viewers notice: detectability thresholds of
+/// ITU-R BT.1359. Positive where the audio is late; ms.
+constexpr double audioEarlyLimitMs = -45;
+constexpr double audioLateLimitMs = 125;
+
+/// What was measured on a number of pictures.
+class Skew {
+public:
+    void add(double pictureLatenessMs, double audioLatenessMs);
+    void clear() { *this = Skew(); }
+
+    std::size_t count() const { return _count; }
+    double pictureLateness() const {
+        return _pictures / static_cast<double>(_count);
+    }                                                                             ///< Mean; ms.
+    double audioLateness() const { return _audio / static_cast<double>(_count); } ///< Mean; ms.
+
+    /// Audio lateness less picture lateness; ms.
+    double mean() const { return audioLateness() - pictureLateness(); }
+    double smallest() const { return _smallest; }
+    double largest() const { return _largest; }
+
+    bool isInsideWindow() const {
+        return _count > 0 && _smallest >= audioEarlyLimitMs && _largest <= audioLateLimitMs;
+    }
+
+private:
+    std::size_t _count = 0;
+    double _pictures = 0;
+    double _audio = 0;
+    double _smallest = 0;
+    double _largest = 0;
+};
+
+/// The margin that brings audio and pictures closest together: a multiple of `granularityMs` up to
+/// `maxMs`. `skewWithoutMarginMs` is the skew that there would be with a margin of 0.
+unsigned long bestMargin(double skewWithoutMarginMs, unsigned long granularityMs,
+                         unsigned long maxMs);
+
+} // namespace video
