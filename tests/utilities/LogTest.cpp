@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "lipsyncapi/ApiLog.h"
-#include "lipsyncapi/Logger.h"
-#include "lipsyncapi/Service.h"
 #include "tests/support/LogCapture.h"
 #include "utilities/log/Assertion.h"
 #include "utilities/log/GenericLog.h"
@@ -10,7 +7,6 @@
 using tests::LogCapture;
 using velta::utilities::StandardLog;
 using velta::utilities::details::Level;
-using ApiLog = velta::zub::log::ApiLog<velta::zub::lipsyncapi::Logger>;
 
 TEST(Log, WritesTheTextAsItIsToBothOutputs) {
     LogCapture capture;
@@ -27,21 +23,4 @@ TEST(LogDeathTest, AnAssertionLogsToThePlatformThenToStandardErrorThenAborts) {
                 testing::KilledBySignal(SIGABRT),
                 "^platform 7/VELTA folder/File.cpp:12: Assertion answer == 42 failed: It is not\n"
                 "F/VELTA folder/File.cpp:12: Assertion answer == 42 failed: It is not\n$");
-}
-
-TEST(ApiLog, PutsInputsOutputsAndResultInOneLine) {
-    LogCapture capture;
-    ApiLog().event("Bare");
-    ApiLog().setResult(velta::zub::lipsyncapi::Service::Result::success()).event("Done");
-    ApiLog()
-        .addOutput("o", 3UL)
-        .addInput("a", 1UL)
-        .addInput("b", std::string("one\ntwo %d"))
-        .addInput("c", std::string())
-        .event("All");
-    EXPECT_EQ(capture.records(),
-              (std::vector<std::string>{"4/AZUBLIPSYNCAPI Bare",
-                                        "4/AZUBLIPSYNCAPI Done with result: Success",
-                                        "4/AZUBLIPSYNCAPI All with input params: a=1 "
-                                        "b={\none\ntwo %d}\nc=  with output params: o=3 "}));
 }
