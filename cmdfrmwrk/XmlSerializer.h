@@ -13,12 +13,12 @@ public:
     XmlSerializer() : utilities::xmlserializer::XmlSerializer<Traits>("AZUB", versionText()) {}
 
 private:
-    static constexpr unsigned int major_ = 0;
-    static constexpr unsigned int minor_ = 1;
-    static constexpr unsigned int patch_ = 0;
-
     static std::string versionText() {
-        return std::to_string(major_) + '.' + std::to_string(minor_) + '.' + std::to_string(patch_);
+        constexpr unsigned int majorVersion = 0;
+        constexpr unsigned int minorVersion = 1;
+        constexpr unsigned int patchVersion = 0;
+        return std::to_string(majorVersion) + '.' + std::to_string(minorVersion) + '.' +
+               std::to_string(patchVersion);
     }
 };
 

@@ -21,7 +21,11 @@ namespace velta::zub::lipsyncapi {
 /// all of them.
 ///
 /// Calls block: there is no time-out anywhere, and an engine that stays silent blocks its caller
-/// until it answers or goes away. Nothing is retried, and nothing is thrown but `std::bad_alloc`.
+/// until it answers or goes away. Nothing is retried.
+///
+/// Nothing is thrown but `std::bad_alloc`. After that the object is as usable as after
+/// `TransportError`, and as then the connection has to be replaced: the answer to the call may
+/// still be on its way. What the XML parser held when memory ran out is not freed.
 ///
 /// The process should ignore `SIGPIPE`: otherwise it dies by it when it writes to an engine that
 /// has gone. It must keep its standard input open: descriptor 0 is refused as a socket, and the

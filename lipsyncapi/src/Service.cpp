@@ -15,8 +15,18 @@ namespace {
 
 using ApiLog = log::ApiLog<Logger>;
 
-constexpr unsigned long maxAudioDelayMarginMs = 100;
-constexpr unsigned long granularityOfMarginMs = 20;
+constexpr unsigned long largestMarginMs = 100;
+constexpr unsigned long marginStepMs = 20;
+
+// Writes the line of a call. What the call did stands by then, so a line for which there is no
+// memory is dropped, and the caller still gets the result.
+template <typename Write>
+void logCall(const Write& write) {
+    try {
+        write();
+    } catch (...) {
+    }
+}
 
 Service::Result notConnected() {
     return Service::Result(Service::ResultCode::BadState) << "Not connected to the audio ZUB";
@@ -77,15 +87,21 @@ Service::Service() : _commandClient(nullptr), _state(State::Disconnected), _audi
 }
 
 Service::~Service() {
-    disconnect();
+    try {
+        disconnect();
+    } catch (...) {
+        // Only memory for the text of a result can have been missing: the connection is closed.
+    }
 }
 
 Service::Result Service::connect(const std::string& socketName) {
     Result result = connectInternal(socketName);
-    ApiLog()
-        .addInput("lipsyncSocketName", socketName)
-        .setResult(result)
-        .event("Client is connecting");
+    logCall([&] {
+        ApiLog()
+            .addInput("lipsyncSocketName", socketName)
+            .setResult(result)
+            .event("Client is connecting");
+    });
     return result;
 }
 
@@ -107,7 +123,7 @@ Service::Result Service::connectInternal(const std::string& socketName) {
 
 Service::Result Service::disconnect() {
     Result result = disconnectInternal();
-    ApiLog().setResult(result).event("Client is disconnected");
+    logCall([&] { ApiLog().setResult(result).event("Client is disconnected"); });
     return result;
 }
 
@@ -122,14 +138,14 @@ Service::Result Service::disconnectInternal() {
 }
 
 Service::Result Service::getCapabilities(unsigned long& granularityMs,
-                                         unsigned long& maxAudioDelayMarginMs_) const {
+                                         unsigned long& maxAudioDelayMarginMs) const {
     if (_state != State::Connected) {
         return notConnected();
     }
     VELTA_ASSERT("lipsyncapi/src/Service.cpp", 114, _commandClient != NULL,
                  "Inconsistent state client is null");
-    granularityMs = granularityOfMarginMs;
-    maxAudioDelayMarginMs_ = maxAudioDelayMarginMs;
+    granularityMs = marginStepMs;
+    maxAudioDelayMarginMs = largestMarginMs;
     return Result::success();
 }
 
@@ -143,10 +159,12 @@ Service::Result Service::getAudioDelayMargin(unsigned long& marginMs) const {
 
 Service::Result Service::setAudioDelayMargin(unsigned long delayMs) {
     Result result = setAudioDelayMarginInternal(delayMs);
-    ApiLog()
-        .addInput("delayMs", delayMs)
-        .setResult(result)
-        .event("Client is setting the audio delay margin");
+    logCall([&] {
+        ApiLog()
+            .addInput("delayMs", delayMs)
+            .setResult(result)
+            .event("Client is setting the audio delay margin");
+    });
     return result;
 }
 
@@ -154,15 +172,15 @@ Service::Result Service::setAudioDelayMarginInternal(unsigned long delayMs) {
     if (_state != State::Connected) {
         return notConnected();
     }
-    if (delayMs > maxAudioDelayMarginMs) {
+    if (delayMs > largestMarginMs) {
         return Result(ResultCode::InvalidParam)
                << " audio delay margin " << delayMs << " is not in range "
-               << "[0.." << maxAudioDelayMarginMs << "]";
+               << "[0.." << largestMarginMs << "]";
     }
-    if (delayMs % granularityOfMarginMs != 0) {
+    if (delayMs % marginStepMs != 0) {
         return Result(ResultCode::InvalidParam)
                << " audio delay margin " << delayMs << " doesn't match "
-               << " granularity of " << granularityOfMarginMs << "ms.";
+               << " granularity of " << marginStepMs << "ms.";
     }
     VELTA_ASSERT("lipsyncapi/src/Service.cpp", 205, _commandClient != NULL,
                  "Inconsistent state client is null");
@@ -178,13 +196,15 @@ Service::Result Service::setAudioDelayMarginInternal(unsigned long delayMs) {
 
 Service::Result Service::getAudioTimestamps(common::LipSyncNtpTimestamps& timestamps) const {
     Result result = getAudioTimestampsInternal(timestamps);
-    ApiLog()
-        .addOutput("audioCaptureTimestamp", timestamps.audioCaptureTimestamp)
-        .addOutput("audioRenderingTimestamp", timestamps.audioRenderingTimestamp)
-        .addOutput("audioReceivingTimestamp", timestamps.audioReceivingTimestamp)
-        .addOutput("jbmCurrentDepth", timestamps.jbmCurrentDepth)
-        .setResult(result)
-        .event("Client is requesting the NTP timestamp");
+    logCall([&] {
+        ApiLog()
+            .addOutput("audioCaptureTimestamp", timestamps.audioCaptureTimestamp)
+            .addOutput("audioRenderingTimestamp", timestamps.audioRenderingTimestamp)
+            .addOutput("audioReceivingTimestamp", timestamps.audioReceivingTimestamp)
+            .addOutput("jbmCurrentDepth", timestamps.jbmCurrentDepth)
+            .setResult(result)
+            .event("Client is requesting the NTP timestamp");
+    });
     return result;
 }
 

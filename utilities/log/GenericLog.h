@@ -45,10 +45,14 @@ public:
         /// `tag` must outlive the stream.
         explicit Stream(const char* tag) : _tag(tag) { imbue(std::locale::classic()); }
 
+        // Without memory for it the record is lost; that must not end the process.
         ~Stream() override {
-            const std::string text = str();
-            if (!text.empty()) {
-                log("%s", text.c_str());
+            try {
+                const std::string text = str();
+                if (!text.empty()) {
+                    log("%s", text.c_str());
+                }
+            } catch (...) {
             }
         }
 
