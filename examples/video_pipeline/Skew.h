@@ -16,10 +16,10 @@ public:
     void clear() { *this = Skew(); }
 
     std::size_t count() const { return _count; }
-    double pictureLateness() const {
-        return _pictures / static_cast<double>(_count);
-    }                                                                             ///< Mean; ms.
-    double audioLateness() const { return _audio / static_cast<double>(_count); } ///< Mean; ms.
+
+    // Means; ms. Only of something: the count must not be 0.
+    double pictureLateness() const { return _pictures / static_cast<double>(_count); }
+    double audioLateness() const { return _audio / static_cast<double>(_count); }
 
     /// Audio lateness less picture lateness; ms.
     double mean() const { return audioLateness() - pictureLateness(); }

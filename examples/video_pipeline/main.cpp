@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "lipsyncapi/Service.h"
 #include "video_pipeline/Ntp.h"
@@ -79,6 +80,9 @@ private:
                 second.clear();
             }
         }
+        if (second.count() > 0) {
+            printRow(second);
+        }
     }
 
     void measure(const Picture& picture, const LipSyncNtpTimestamps& audio, Skew& second) {
@@ -89,10 +93,10 @@ private:
         if (_isSteering) {
             _steered.add(pictureLateness, audioLateness);
         }
-        LipSyncNtpTimestamps video;
-        video.audioCaptureTimestamp = picture.captured;
-        video.audioRenderingTimestamp = picture.shown;
-        _service.setVideoTimestamps(video);
+        LipSyncNtpTimestamps timestamps;
+        timestamps.audioCaptureTimestamp = picture.captured;
+        timestamps.audioRenderingTimestamp = picture.shown;
+        _service.setVideoTimestamps(timestamps);
     }
 
     // Sets the margin that the last second asks for, if it is another one.
@@ -179,7 +183,7 @@ private:
 void printUsage(std::FILE* stream) {
     std::fprintf(stream,
                  "Usage: video_pipeline [--socket PATH] [--seconds N]\n"
-                 "Steers the lip sync of a call for N seconds (10), 1 to 86400.\n"
+                 "Steers the lip sync of a call for N seconds (10), 2 to 86400.\n"
                  "Exits with 0 if the skew stayed inside the window, else with 1.\n");
 }
 
@@ -200,7 +204,7 @@ int main(int argc, char** argv) {
                 break;
             case 'n':
                 seconds = std::strtol(optarg, &rest, 10);
-                if (*rest != '\0' || seconds < 1 || seconds > 86400) {
+                if (*rest != '\0' || seconds < 2 || seconds > 86400) {
                     printUsage(stderr);
                     return exitUsage;
                 }
