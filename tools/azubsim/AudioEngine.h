@@ -26,7 +26,8 @@ class AudioEngine {
 public:
     using Clock = std::chrono::system_clock;
 
-    explicit AudioEngine(bool inCall) : _inCall(inCall) {}
+    bool isInCall() const { return _inCall; }
+    void setInCall(bool inCall) { _inCall = inCall; }
 
     /// The packet that arrived last: when it was captured, when it arrived, and when it will be
     /// rendered, which a margin delays by exactly so much.
@@ -36,7 +37,7 @@ public:
     Verdict setMargin(std::uint64_t marginMs);
 
 private:
-    bool _inCall;
+    bool _inCall = true;
     std::chrono::milliseconds _margin{0};
 };
 

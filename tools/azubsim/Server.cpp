@@ -1,14 +1,12 @@
 #include "tools/azubsim/Server.h"
 
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <utility>
-#include <vector>
-
-#include "tools/azubsim/Protocol.h"
 
 namespace azubsim {
 
@@ -16,6 +14,12 @@ namespace {
 
 // A request is some hundred bytes; a client that sends this many without an end is cut off.
 constexpr std::size_t maxRequestSize = 65536;
+
+// A client that does not take its answers is not asked for more requests.
+constexpr std::size_t maxQueuedPieces = 64;
+
+// So long no client is accepted when there is no descriptor for one.
+constexpr std::chrono::milliseconds acceptPause{100};
 
 bool mustWait() {
     return errno == EAGAIN || errno == EINTR;
@@ -31,30 +35,79 @@ Server::~Server() {
     }
 }
 
-void Server::run(int stop) {
-    for (;;) {
-        std::vector<pollfd> polled{{stop, POLLIN, 0}, {_listener, POLLIN, 0}};
-        for (const Client& client : _clients) {
-            const int events = client.out.empty() ? POLLIN : POLLOUT;
-            polled.push_back({client.fd, static_cast<short>(events), 0});
-        }
-        if (poll(polled.data(), polled.size(), -1) < 0) {
-            continue;
-        }
-        if (polled[0].revents != 0) {
-            return;
-        }
-        auto revents = polled.begin() + 2;
-        for (auto client = _clients.begin(); client != _clients.end(); ++revents) {
-            if (serve(*client, revents->revents)) {
-                ++client;
-            } else {
-                close(client->fd);
-                client = _clients.erase(client);
-            }
-        }
-        if (polled[1].revents != 0) {
+void Server::watch(int descriptor, Watcher watcher) {
+    _watched.push_back({descriptor, std::move(watcher)});
+}
+
+void Server::run() {
+    while (!_isStopped) {
+        std::vector<pollfd> polled;
+        poll(polled);
+        auto ready = polled.begin();
+        if (ready->revents != 0) {
             acceptClient();
+        }
+        ++ready;
+        for (Watched& watched : _watched) {
+            if (watched.fd >= 0 && ready->revents != 0 && !watched.watcher()) {
+                watched.fd = -1;
+            }
+            ++ready;
+        }
+        // A client that was accepted just now has not been polled.
+        for (Client& client : _clients) {
+            if (ready == polled.end()) {
+                break;
+            }
+            serve(client, ready->revents);
+            ++ready;
+        }
+        _clients.remove_if([](const Client& client) {
+            if (client.isOver) {
+                close(client.fd);
+            }
+            return client.isOver;
+        });
+    }
+}
+
+bool Server::isListening() const {
+    return Clock::now() >= _listenAgain;
+}
+
+// Fills `polled` with the listener, then the watched descriptors, then the clients, and waits until
+// one is ready or a piece is due. A negative descriptor is not polled.
+void Server::poll(std::vector<pollfd>& polled) {
+    const Clock::time_point now = Clock::now();
+    Clock::time_point wakeUp = Clock::time_point::max();
+    if (!isListening()) {
+        wakeUp = _listenAgain;
+    }
+    polled.push_back({isListening() ? _listener : -1, POLLIN, 0});
+    for (const Watched& watched : _watched) {
+        polled.push_back({watched.fd, POLLIN, 0});
+    }
+    for (const Client& client : _clients) {
+        const bool isFull = client.isClosing || client.out.size() > maxQueuedPieces;
+        short events = isFull ? 0 : POLLIN;
+        if (!client.out.empty() && client.due <= now) {
+            events = static_cast<short>(events | POLLOUT);
+        } else if (!client.out.empty()) {
+            wakeUp = std::min(wakeUp, client.due);
+        }
+        polled.push_back({client.fd, events, 0});
+    }
+    timespec timeout{};
+    if (wakeUp != Clock::time_point::max()) {
+        const auto wait = std::max(wakeUp - now, Clock::duration::zero());
+        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(wait);
+        timeout.tv_sec = seconds.count();
+        timeout.tv_nsec = static_cast<long>(std::chrono::nanoseconds(wait - seconds).count());
+    }
+    const bool hasTimeout = wakeUp != Clock::time_point::max();
+    if (ppoll(polled.data(), polled.size(), hasTimeout ? &timeout : nullptr, nullptr) < 0) {
+        for (pollfd& entry : polled) {
+            entry.revents = 0;
         }
     }
 }
@@ -62,47 +115,77 @@ void Server::run(int stop) {
 void Server::acceptClient() {
     const int fd = accept4(_listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (fd >= 0) {
-        _clients.push_back({fd, {}, {}, false});
+        _clients.push_back({++_lastNumber, fd, {}, {}, {}});
+    } else if (!mustWait()) {
+        _listenAgain = Clock::now() + acceptPause;
     }
 }
 
-// False when the connection is over.
-bool Server::serve(Client& client, short events) {
-    if (events == 0) {
-        return true;
+void Server::serve(Client& client, short events) {
+    if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) {
+        read(client);
     }
-    if (client.out.empty() && !readRequests(client)) {
-        return false;
+    if (!client.isOver) {
+        write(client);
     }
-    return writeAnswers(client);
 }
 
-bool Server::readRequests(Client& client) {
+void Server::read(Client& client) {
+    if (client.isClosing) {
+        // The client has gone before its answer.
+        client.isOver = true;
+        return;
+    }
+    // Bytes are looked at before they are taken: a socket that is closed with bytes untaken resets
+    // the connection.
     char chunk[4096];
-    const ssize_t n = read(client.fd, chunk, sizeof(chunk));
+    const ssize_t n = recv(client.fd, chunk, sizeof(chunk), MSG_PEEK);
     if (n <= 0) {
-        return n < 0 && mustWait();
+        client.isOver = n == 0 || !mustWait();
+        return;
     }
     client.in.append(chunk, static_cast<std::size_t>(n));
     std::size_t end;
-    while (!client.closing && (end = client.in.find(endMarker)) != std::string::npos) {
-        const Reply reply = _handler(client.in.substr(0, end));
-        client.in.erase(0, end + std::char_traits<char>::length(endMarker));
-        client.out += reply.bytes;
-        client.closing = reply.close;
+    while (!client.isClosing && (end = client.in.find(endMarker)) != std::string::npos) {
+        const Reply reply = _handler(client.number, client.in.substr(0, end));
+        client.in.erase(0, end + std::strlen(endMarker));
+        if (reply.end == Reply::End::Reset) {
+            client.isOver = true;
+            return;
+        }
+        enqueue(client, reply);
     }
-    return client.in.size() <= maxRequestSize;
+    recv(client.fd, chunk, static_cast<std::size_t>(n), 0);
+    client.isOver = client.in.size() > maxRequestSize;
 }
 
-bool Server::writeAnswers(Client& client) {
-    while (!client.out.empty()) {
-        const ssize_t n = send(client.fd, client.out.data(), client.out.size(), MSG_NOSIGNAL);
-        if (n < 0) {
-            return mustWait();
+void Server::enqueue(Client& client, const Reply& reply) {
+    for (const Reply::Piece& piece : reply.pieces) {
+        if (client.out.empty()) {
+            client.due = Clock::now() + piece.wait;
         }
-        client.out.erase(0, static_cast<std::size_t>(n));
+        client.out.push_back(piece);
     }
-    return !client.closing;
+    client.isClosing = reply.end == Reply::End::Close;
+}
+
+// Writes what is due, as far as the client takes it.
+void Server::write(Client& client) {
+    while (!client.out.empty() && client.due <= Clock::now()) {
+        std::string& bytes = client.out.front().bytes;
+        const ssize_t n = send(client.fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (n < 0) {
+            client.isOver = !mustWait();
+            return;
+        }
+        bytes.erase(0, static_cast<std::size_t>(n));
+        if (bytes.empty()) {
+            client.out.pop_front();
+            client.due = Clock::now() + (client.out.empty() ? std::chrono::microseconds(0)
+                                                            : client.out.front().wait);
+        }
+    }
+    client.isOver = client.isClosing && client.out.empty();
 }
 
 } // namespace azubsim

@@ -1,22 +1,26 @@
 #pragma once
 
+#include <chrono>
+#include <deque>
 #include <functional>
 #include <list>
 #include <string>
+#include <vector>
+
+#include <poll.h>
+
+#include "tools/azubsim/Reply.h"
 
 namespace azubsim {
-
-/// What is done about one request.
-struct Reply {
-    std::string bytes;  ///< Sent as they are.
-    bool close = false; ///< Whether the connection is closed after that.
-};
 
 /// Serves many clients at once in one thread; none of them can hold up another.
 class Server {
 public:
-    /// Called with each request, without its end marker.
-    using Handler = std::function<Reply(const std::string& request)>;
+    /// Called with the number of a client and a request of it, without its end marker.
+    using Handler = std::function<Reply(int client, const std::string& request)>;
+
+    /// Called when a descriptor is readable; false if it is to be left alone from now on.
+    using Watcher = std::function<bool()>;
 
     /// `listener` is a listening socket, which stays the caller's.
     Server(int listener, Handler handler);
@@ -25,25 +29,46 @@ public:
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
-    /// Serves until `stop` becomes readable.
-    void run(int stop);
+    /// Watches another descriptor as well.
+    void watch(int descriptor, Watcher watcher);
+
+    /// Serves until `stop` is called from a handler or a watcher.
+    void run();
+    void stop() { _isStopped = true; }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     struct Client {
+        int number;
         int fd;
         std::string in;
-        std::string out;
-        bool closing = false;
+        std::deque<Reply::Piece> out;
+        Clock::time_point due;  ///< When the first piece of `out` is written.
+        bool isClosing = false; ///< After `out` is written.
+        bool isOver = false;
     };
 
+    struct Watched {
+        int fd;
+        Watcher watcher;
+    };
+
+    void poll(std::vector<pollfd>& polled);
+    bool isListening() const;
     void acceptClient();
-    bool serve(Client& client, short events);
-    bool readRequests(Client& client);
-    static bool writeAnswers(Client& client);
+    void serve(Client& client, short events);
+    void read(Client& client);
+    void write(Client& client);
+    static void enqueue(Client& client, const Reply& reply);
 
     int _listener;
     Handler _handler;
+    std::vector<Watched> _watched;
     std::list<Client> _clients;
+    Clock::time_point _listenAgain;
+    int _lastNumber = 0;
+    bool _isStopped = false;
 };
 
 } // namespace azubsim

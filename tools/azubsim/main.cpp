@@ -7,9 +7,10 @@
 #include <iostream>
 #include <string>
 
-#include "tools/azubsim/AudioEngine.h"
-#include "tools/azubsim/Protocol.h"
+#include "tools/azubsim/Console.h"
+#include "tools/azubsim/Options.h"
 #include "tools/azubsim/Server.h"
+#include "tools/azubsim/Simulator.h"
 #include "tools/azubsim/SocketFile.h"
 
 namespace {
@@ -18,26 +19,6 @@ using namespace azubsim;
 
 constexpr int exitUsage = 2;
 
-struct Options {
-    std::string socket;
-    bool noCall = false;
-};
-
-Reply answer(AudioEngine& engine, const std::string& text) {
-    Request request;
-    std::string error;
-    if (!parseRequest(text, request, error)) {
-        std::cerr << "azubsim: closing a connection: bad request: " << error << std::endl;
-        return {"", true};
-    }
-    if (request.command == Request::Command::SetAudioDelay) {
-        return {delayAnswer(engine.setMargin(request.delayMs)), false};
-    }
-    Timestamps timestamps;
-    const Verdict verdict = engine.timestamps(AudioEngine::Clock::now(), timestamps);
-    return {timestampsAnswer(timestamps, verdict), false};
-}
-
 // Becomes readable when the process is asked to end.
 int endSignals() {
     sigset_t signals;
@@ -45,21 +26,74 @@ int endSignals() {
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
+    // In the background of a terminal standard input cannot be read, but must not stop the process.
+    std::signal(SIGTTIN, SIG_IGN);
     return signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
-int run(const Options& options) {
+void addFaults(const Options& options, FaultPlan& plan) {
+    for (const std::string& text : options.faults) {
+        Fault fault;
+        std::string error;
+        if (!Fault::parse(text, fault, error)) {
+            throw CLI::ValidationError("--fault", error);
+        }
+        plan.add(fault);
+    }
+    plan.setEvery(options.every);
+    if (options.seed) {
+        plan.setSeed(*options.seed);
+    }
+}
+
+void configure(const Options& options, Simulator& simulator) {
+    // Not left to the parser, which would complain of this before it names a wrong option.
+    if (options.socket.empty()) {
+        throw CLI::RequiredError("--socket");
+    }
+    addFaults(options, simulator.faults);
+    simulator.engine.setInCall(!options.noCall);
+    simulator.floodBytes = options.floodBytes;
+    simulator.isVerbose = options.isVerbose;
+}
+
+int fail(const std::string& what, const std::string& why) {
+    std::cerr << "azubsim: " << what << ": " << why << '\n';
+    return EXIT_FAILURE;
+}
+
+int run(const Options& options, Simulator& simulator) {
     const int end = endSignals();
-    SocketFile file;
     std::string error;
+    if (!options.replayFile.empty() &&
+        !simulator.replay.emplace().open(options.replayFile, error)) {
+        return fail("cannot replay " + options.replayFile, error);
+    }
+    SocketFile file;
     if (!file.listen(options.socket, error)) {
-        std::cerr << "azubsim: cannot listen at " << options.socket << ": " << error << '\n';
-        return EXIT_FAILURE;
+        return fail("cannot listen at " + options.socket, error);
+    }
+    if (!options.recordFile.empty() && !simulator.recorder.open(options.recordFile)) {
+        return fail("cannot record to " + options.recordFile, "it cannot be written");
     }
     std::cout << "azubsim: listening at " << options.socket << std::endl;
-    AudioEngine engine(!options.noCall);
-    Server server(file.descriptor(), [&](const std::string& text) { return answer(engine, text); });
-    server.run(end);
+    Server server(file.descriptor(), [&](int client, const std::string& request) {
+        return simulator.answer(client, request);
+    });
+    Console console(simulator);
+    console.prompt();
+    server.watch(end, [&] {
+        server.stop();
+        return false;
+    });
+    server.watch(STDIN_FILENO, [&] {
+        const bool goesOn = console.read();
+        if (console.wantsToQuit()) {
+            server.stop();
+        }
+        return goesOn;
+    });
+    server.run();
     close(end);
     return EXIT_SUCCESS;
 }
@@ -68,23 +102,14 @@ int run(const Options& options) {
 
 int main(int argc, char** argv) {
     Options options;
-    CLI::App app(
-        "A stand-in for the audio engine: answers lip-sync requests on a Unix-domain "
-        "socket until it is interrupted.");
-    app.add_option("--socket", options.socket,
-                   "Path to listen at; nothing may be there but a socket that nobody uses any "
-                   "more; required")
-        ->type_name("PATH");
-    app.add_flag("--no-call", options.noCall,
-                 "Be in no call: every request is answered with error code 1003");
+    Simulator simulator;
+    CLI::App app;
+    declareOptions(app, options);
     try {
         app.parse(argc, argv);
-        // Not left to the parser, which would complain of this before it names a wrong option.
-        if (options.socket.empty()) {
-            throw CLI::RequiredError("--socket");
-        }
+        configure(options, simulator);
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? EXIT_SUCCESS : exitUsage;
     }
-    return run(options);
+    return run(options, simulator);
 }

@@ -1,0 +1,28 @@
+#include "tools/azubsim/FaultPlan.h"
+
+namespace azubsim {
+
+void FaultPlan::setEvery(unsigned int every) {
+    _every = every;
+    _answers = 0;
+}
+
+void FaultPlan::setSeed(std::uint32_t seed) {
+    _random.emplace(seed);
+}
+
+const Fault* FaultPlan::next() {
+    if (_faults.empty()) {
+        return nullptr;
+    }
+    // Plain remainders: what a seed chooses must not depend on a library's distributions.
+    if (_random) {
+        return (*_random)() % _every == 0 ? &_faults[(*_random)() % _faults.size()] : nullptr;
+    }
+    if (++_answers % _every != 0) {
+        return nullptr;
+    }
+    return &_faults[_turn++ % _faults.size()];
+}
+
+} // namespace azubsim

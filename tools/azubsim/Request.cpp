@@ -1,0 +1,62 @@
+#include "tools/azubsim/Request.h"
+
+#include <charconv>
+#include <cstring>
+#include <pugixml.hpp>
+#include <string_view>
+
+namespace azubsim {
+
+namespace {
+
+bool parseDecimal(std::string_view text, std::uint64_t& value) {
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && rest == end;
+}
+
+bool parseCommand(const pugi::xml_node& element, Request& request, std::string& error) {
+    const std::string_view name = element.name();
+    if (name == "GetAudioTs_Request") {
+        request.command = Request::Command::GetAudioTs;
+        return true;
+    }
+    if (name == "SetAudioDelay_Request") {
+        request.command = Request::Command::SetAudioDelay;
+        if (!parseDecimal(element.child_value(), request.delayMs)) {
+            error = "delay is no decimal number";
+            return false;
+        }
+        return true;
+    }
+    error = "unknown command '" + std::string(name) + "'";
+    return false;
+}
+
+} // namespace
+
+bool parseRequest(const std::string& text, Request& request, std::string& error) {
+    pugi::xml_document document;
+    const pugi::xml_parse_result parsed = document.load_buffer(text.data(), text.size());
+    if (!parsed) {
+        error = std::string("not XML: ") + parsed.description();
+        return false;
+    }
+    const pugi::xml_node root = document.document_element();
+    if (std::strcmp(root.name(), "AZUB") != 0) {
+        error = "root element is not 'AZUB'";
+        return false;
+    }
+    if (std::strcmp(root.attribute("version").value(), "0.1.0") != 0) {
+        error = "version is not '0.1.0'";
+        return false;
+    }
+    const pugi::xml_node command = root.first_child();
+    if (command.type() != pugi::node_element || command.next_sibling()) {
+        error = "root element does not hold one command";
+        return false;
+    }
+    return parseCommand(command, request, error);
+}
+
+} // namespace azubsim

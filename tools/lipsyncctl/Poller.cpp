@@ -1,0 +1,98 @@
+#include "tools/lipsyncctl/Poller.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace lipsyncctl {
+
+using velta::zub::lipsyncapi::Service;
+
+namespace {
+
+constexpr std::chrono::milliseconds reconnectPause{300};
+constexpr std::chrono::milliseconds stopPatience{300};
+
+} // namespace
+
+Poller::Poller(std::string socket, std::chrono::milliseconds interval)
+    : _socket(std::move(socket)), _interval(interval), _thread([this] { run(); }) {}
+
+Poller::~Poller() {
+    if (_thread.joinable()) {
+        _thread.join();
+    }
+}
+
+std::optional<Poller::Event> Poller::next(std::chrono::milliseconds timeout) {
+    std::unique_lock<std::mutex> lock(_mutex);
+    if (!_changed.wait_for(lock, timeout, [this] { return !_events.empty(); })) {
+        return std::nullopt;
+    }
+    Event event = std::move(_events.front());
+    _events.pop_front();
+    return event;
+}
+
+bool Poller::stop() {
+    std::unique_lock<std::mutex> lock(_mutex);
+    _isStopping = true;
+    _changed.notify_all();
+    return _changed.wait_for(lock, stopPatience, [this] { return _hasStopped; });
+}
+
+void Poller::run() {
+    poll();
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _hasStopped = true;
+    _changed.notify_all();
+}
+
+void Poller::poll() {
+    Service service;
+    bool isConnected = false;
+    auto due = std::chrono::steady_clock::now();
+    for (;;) {
+        report(readOnce(service, isConnected));
+        const auto now = std::chrono::steady_clock::now();
+        due = std::max(due + _interval, now);
+        if (!pause(isConnected ? due - now : reconnectPause)) {
+            return;
+        }
+    }
+}
+
+// Connects first, if need be.
+Poller::Event Poller::readOnce(Service& service, bool& isConnected) const {
+    if (!isConnected) {
+        const Service::Result connected = service.connect(_socket);
+        if (connected.isFailure()) {
+            return {std::nullopt, connected.format()};
+        }
+        isConnected = true;
+    }
+    Reading reading;
+    const Service::Result result = service.getAudioTimestamps(reading.timestamps);
+    reading.time = now();
+    if (result.isSuccess()) {
+        return {reading, ""};
+    }
+    if (result.code == Service::ResultCode::TransportError) {
+        service.disconnect();
+        isConnected = false;
+    }
+    return {std::nullopt, result.format()};
+}
+
+void Poller::report(Event event) {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _events.push_back(std::move(event));
+    _changed.notify_all();
+}
+
+// False when the thread is to end.
+bool Poller::pause(std::chrono::nanoseconds time) {
+    std::unique_lock<std::mutex> lock(_mutex);
+    return !_changed.wait_for(lock, time, [this] { return _isStopping; });
+}
+
+} // namespace lipsyncctl
