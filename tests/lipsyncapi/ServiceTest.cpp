@@ -1,6 +1,8 @@
 #include "lipsyncapi/Service.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstring>
@@ -278,6 +280,22 @@ TEST(ServiceDeathTest, ADeadEngineKillsACallerThatDoesNotIgnoreSigpipe) {
             service.getAudioTimestamps(timestamps);
         },
         testing::KilledBySignal(SIGPIPE), "Connection closed by distant");
+}
+
+TEST(ServiceDeathTest, NamesAMissingPermission) {
+    const EngineDouble engine({});
+    EXPECT_EXIT(
+        {
+            // The folder of the socket is only for who made it.
+            chmod(engine.path().c_str(), 0);
+            if (geteuid() == 0 && seteuid(65534) != 0) {
+                _exit(2);
+            }
+            Service service;
+            service.connect(engine.path());
+            _exit(0);
+        },
+        testing::ExitedWithCode(0), "Permission denied \\(Code 13\\)");
 }
 
 TEST(ServiceDeathTest, AConnectedServiceWithoutAClientAborts) {

@@ -1,5 +1,8 @@
 #include "tests/support/Process.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,28 +12,49 @@
 
 namespace tests {
 
-Process::Process(const std::vector<std::string>& arguments) {
+Process::Process(const std::vector<std::string>& arguments, Surroundings surroundings) {
     std::vector<char*> argv;
     argv.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         argv.push_back(const_cast<char*>(argument.c_str()));
     }
     argv.push_back(nullptr);
-    int fds[2];
-    if (pipe(fds) != 0) {
+    if (surroundings == OnTerminal) {
+        startOnTerminal(argv.data());
+    } else {
+        startOnPipes(argv.data());
+    }
+}
+
+void Process::startOnPipes(char** argv) {
+    int input[2];
+    int output[2];
+    if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0) {
         std::abort();
     }
-    _output = fds[0];
     _pid = fork();
     if (_pid == 0) {
-        dup2(fds[1], STDOUT_FILENO);
-        dup2(fds[1], STDERR_FILENO);
-        close(fds[0]);
-        close(fds[1]);
-        execv(argv[0], argv.data());
+        dup2(input[0], STDIN_FILENO);
+        dup2(output[1], STDOUT_FILENO);
+        dup2(output[1], STDERR_FILENO);
+        execv(argv[0], argv);
         _exit(127);
     }
-    close(fds[1]);
+    close(input[0]);
+    close(output[1]);
+    _input = input[1];
+    _output = output[0];
+}
+
+void Process::startOnTerminal(char** argv) {
+    const winsize size{24, 80, 0, 0};
+    _pid = forkpty(&_output, nullptr, nullptr, &size);
+    if (_pid == 0) {
+        setenv("TERM", "xterm", 1);
+        execv(argv[0], argv);
+        _exit(127);
+    }
+    _input = dup(_output);
 }
 
 Process::~Process() {
@@ -38,6 +62,7 @@ Process::~Process() {
         signal(SIGKILL);
         wait();
     }
+    close(_input);
     close(_output);
 }
 
@@ -55,6 +80,19 @@ std::string Process::readAll() {
     while (readSome()) {
     }
     return std::exchange(_read, "");
+}
+
+std::string Process::readFor(int milliseconds) {
+    pollfd output{_output, POLLIN, 0};
+    while (poll(&output, 1, milliseconds) > 0 && readSome()) {
+    }
+    return std::exchange(_read, "");
+}
+
+void Process::write(const std::string& text) const {
+    if (::write(_input, text.data(), text.size()) < 0) {
+        std::abort();
+    }
 }
 
 bool Process::readSome() {

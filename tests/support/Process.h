@@ -10,8 +10,11 @@ namespace tests {
 /// A program that runs beside the test, and is killed at the latest when this object goes.
 class Process {
 public:
+    enum Surroundings { OnPipes, OnTerminal };
+
     /// The first argument is the path of the program.
-    explicit Process(const std::vector<std::string>& arguments);
+    explicit Process(const std::vector<std::string>& arguments,
+                     Surroundings surroundings = OnPipes);
     ~Process();
 
     Process(const Process&) = delete;
@@ -24,6 +27,12 @@ public:
     /// The rest of it, up to the end of the program.
     std::string readAll();
 
+    /// What it prints within so many milliseconds.
+    std::string readFor(int milliseconds);
+
+    /// Types into its standard input.
+    void write(const std::string& text) const;
+
     void signal(int number) const;
 
     /// Waits for the end. The exit status, or minus the signal that killed it.
@@ -32,8 +41,12 @@ public:
 private:
     bool readSome();
 
-    pid_t _pid;
-    int _output;
+    void startOnPipes(char** argv);
+    void startOnTerminal(char** argv);
+
+    pid_t _pid = -1;
+    int _input = -1;
+    int _output = -1;
     std::string _read;
 };
 

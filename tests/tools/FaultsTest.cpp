@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+#include <regex>
+
+#include "lipsyncapi/Service.h"
+#include "tests/tools/Engine.h"
+
+using tests::Engine;
+using velta::zub::common::LipSyncNtpTimestamps;
+using velta::zub::lipsyncapi::Service;
+
+namespace {
+
+// Reads timestamps from an engine with a fault. In a child process, which is killed if it waits.
+std::string seen(const std::string& fault) {
+    Engine engine({"--fault", fault, "--flood-limit", "100000"});
+    tests::Process reader({LIPSYNCCTL, "timestamps", "--socket", engine.socket()});
+    return fault == "silence" || fault == "zero" ? reader.readFor(300) : reader.readAll();
+}
+
+} // namespace
+
+TEST(Faults, GiveTheResultsThatAreDocumented) {
+    std::ifstream document(DOCS "/faults.md");
+    const std::regex row("\\| `([^`]+)` \\| `([^`]+)` \\|.*");
+    int rows = 0;
+    for (std::string line; std::getline(document, line);) {
+        std::smatch cells;
+        if (!std::regex_match(line, cells, row)) {
+            continue;
+        }
+        ++rows;
+        const std::string fault = cells[1];
+        std::string expected = cells[2];
+        std::string output = seen(fault);
+        if (expected == "Success") {
+            EXPECT_NE(output.find("  latency "), std::string::npos) << fault << ": " << output;
+        } else if (expected == "waits") {
+            EXPECT_EQ(output.find("requesting"), std::string::npos) << fault << ": " << output;
+        } else {
+            const std::size_t rest = expected.find("...");
+            expected = rest == std::string::npos ? expected.append("\n") : expected.substr(0, rest);
+            EXPECT_NE(output.find("\nlipsyncctl: " + expected), std::string::npos)
+                << fault << ": " << output;
+        }
+    }
+    EXPECT_GE(rows, 22);
+}
+
+TEST(Faults, SpoilSomeAnswersRepeatably) {
+    const auto outcomes = [](std::vector<std::string> options) {
+        options.insert(options.end(), {"--fault", "error 7", "--fault", "error 8"});
+        Engine engine(options);
+        Service service;
+        service.connect(engine.socket());
+        std::string codes;
+        for (int i = 0; i < 12; ++i) {
+            LipSyncNtpTimestamps timestamps;
+            const std::string text = service.getAudioTimestamps(timestamps).format();
+            codes.push_back(text == "Success" ? '.' : text[text.size() - 3]);
+        }
+        return codes;
+    };
+    const tests::LogCapture log;
+    EXPECT_EQ(outcomes({"--every", "3"}), "..7..8..7..8");
+    EXPECT_EQ(outcomes({}), "787878787878");
+    const std::string random = outcomes({"--every", "2", "--seed", "5"});
+    EXPECT_EQ(outcomes({"--every", "2", "--seed", "5"}), random);
+    EXPECT_NE(outcomes({"--every", "2", "--seed", "6"}), random);
+}
+
+TEST(Faults, ChangeByLinesOnStandardInput) {
+    const tests::LogCapture log;
+    Engine engine({});
+    Service service;
+    service.connect(engine.socket());
+    const auto codeAfter = [&](const std::string& line) {
+        engine.process().write(line + "\nstatus\n");
+        engine.process().readUntil("every ");
+        LipSyncNtpTimestamps timestamps;
+        return static_cast<int>(service.getAudioTimestamps(timestamps).code);
+    };
+    EXPECT_EQ(codeAfter(""), 1000);
+    EXPECT_EQ(codeAfter("call off"), 1007);
+    EXPECT_EQ(codeAfter("call on"), 1000);
+    EXPECT_EQ(codeAfter("fault error 7"), 1006);
+    EXPECT_EQ(codeAfter("fault nonsense"), 1006);
+    EXPECT_EQ(codeAfter("fault none"), 1000);
+    engine.process().write("nonsense\nquit\n");
+    EXPECT_NE(engine.process().readAll().find("not understood: nonsense"), std::string::npos);
+    EXPECT_EQ(engine.process().wait(), 0);
+}
+
+TEST(Faults, OfOneClientDoNotHoldUpAnother) {
+    const tests::LogCapture log;
+    Engine engine({"--fault", "delay 60000", "--fault", "flood", "--every", "2"});
+    // The first answer is good, the second delayed, the third good, the fourth floods a client
+    // that does not read.
+    const tests::Connection slow(engine.socket());
+    const tests::Connection flooded(engine.socket());
+    const std::string request = "<AZUB version=\"0.1.0\"><GetAudioTs_Request /></AZUB>\n\n";
+    slow.send(request + request);
+    slow.receive();
+    flooded.send(request + request);
+    flooded.receive();
+    Service service;
+    service.connect(engine.socket());
+    LipSyncNtpTimestamps timestamps;
+    EXPECT_EQ(service.getAudioTimestamps(timestamps).format(), "Success");
+}
+
+TEST(Faults, RecordedAnswersCanBeReplayed) {
+    const tests::LogCapture log;
+    const tests::TemporaryDirectory directory;
+    const std::string file = directory.path() + "/record";
+    const auto read = [](Engine& engine) {
+        Service service;
+        service.connect(engine.socket());
+        LipSyncNtpTimestamps first;
+        LipSyncNtpTimestamps second;
+        EXPECT_EQ(service.getAudioTimestamps(first).format(), "Success");
+        EXPECT_EQ(service.getAudioTimestamps(second).code, Service::ResultCode::TransportError);
+        return first.audioCaptureTimestamp;
+    };
+    Engine recorder({"--record", file, "--fault", "close-before", "--every", "2"});
+    const unsigned long capture = read(recorder);
+    Engine replay({"--replay", file});
+    EXPECT_EQ(read(replay), capture);
+    Service late;
+    LipSyncNtpTimestamps timestamps;
+    late.connect(replay.socket());
+    EXPECT_EQ(late.getAudioTimestamps(timestamps).code, Service::ResultCode::TransportError);
+
+    std::ofstream(file) << "{}\n";
+    tests::Process broken({AZUBSIM, "--socket", directory.path() + "/s", "--replay", file});
+    EXPECT_EQ(broken.readAll(),
+              "azubsim: cannot replay " + file + ": line 1 is no recorded exchange\n");
+}
