@@ -2,32 +2,14 @@
 
 #include <unistd.h>
 
-#include <charconv>
 #include <iostream>
+
+#include "tools/azubsim/Help.h"
+#include "tools/azubsim/Words.h"
 
 namespace azubsim {
 
 namespace {
-
-template <typename Number>
-bool parse(const std::string& text, Number& number) {
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && rest == end;
-}
-
-std::string help() {
-    return "call on|off        be in a call, or in none: then every verdict is 1003\n"
-           "fault FAULT        spoil answers so, in place of the faults before\n"
-           "fault none         spoil no answer\n"
-           "every N            spoil one answer in N\n"
-           "seed S             choose answers and faults at random, repeatably\n"
-           "verbose on|off     show each message\n"
-           "status             show these settings\n"
-           "quit               end\n"
-           "\nFaults:\n" +
-           faultTable();
-}
 
 bool parseSwitch(const std::string& text, bool& isOn) {
     isOn = text == "on";
@@ -49,6 +31,8 @@ bool Console::read() {
     char chunk[1024];
     const ssize_t n = ::read(STDIN_FILENO, chunk, sizeof(chunk));
     if (n <= 0) {
+        // The last line may come without its end.
+        std::cout << execute(_input) << std::flush;
         return false;
     }
     _input.append(chunk, static_cast<std::size_t>(n));
@@ -65,14 +49,14 @@ bool Console::read() {
 
 // What is printed about a line.
 std::string Console::execute(const std::string& line) {
-    const std::size_t nameEnd = std::min(line.find(' '), line.size());
-    const std::string name = line.substr(0, nameEnd);
-    const std::string argument = line.substr(std::min(nameEnd + 1, line.size()));
+    const Words words(line);
+    const std::string& name = words.first;
+    const std::string& argument = words.rest;
     if (name.empty()) {
         return "";
     }
     if (name == "help") {
-        return help();
+        return commandTable() + "\nFaults:\n" + faultTable();
     }
     if (name == "status") {
         return status();
@@ -86,10 +70,12 @@ std::string Console::execute(const std::string& line) {
         _simulator.engine.setInCall(isOn);
     } else if (name == "verbose" && parseSwitch(argument, isOn)) {
         _simulator.isVerbose = isOn;
-    } else if (name == "every" && parse(argument, number) && number > 0) {
+    } else if (name == "every" && parseNumber(argument, number) && number > 0) {
         _simulator.faults.setEvery(number);
-    } else if (name == "seed" && parse(argument, number)) {
+    } else if (name == "seed" && parseNumber(argument, number)) {
         _simulator.faults.setSeed(number);
+    } else if (name == "seed" && argument == "none") {
+        _simulator.faults.setSeed(std::nullopt);
     } else if (name == "quit") {
         _wantsToQuit = true;
     } else {
@@ -116,7 +102,10 @@ std::string Console::status() const {
     for (const Fault& fault : _simulator.faults.faults()) {
         text += "fault " + fault.text() + '\n';
     }
-    return text + "every " + std::to_string(_simulator.faults.every()) + '\n';
+    text += "every " + std::to_string(_simulator.faults.every());
+    const auto seed = _simulator.faults.seed();
+    text += "\nseed " + (seed ? std::to_string(*seed) : "none");
+    return text + "\nverbose " + (_simulator.isVerbose ? "on\n" : "off\n");
 }
 
 } // namespace azubsim

@@ -16,6 +16,9 @@ std::string escaped(const std::string& text) {
             case '<':
                 result += "&lt;";
                 break;
+            case '"':
+                result += "&quot;";
+                break;
             case '>':
                 result += "&gt;";
                 break;

@@ -1,9 +1,8 @@
 #include "tools/azubsim/Fault.h"
 
 #include <algorithm>
-#include <charconv>
-#include <iomanip>
-#include <sstream>
+
+#include "tools/azubsim/Words.h"
 
 namespace azubsim {
 
@@ -13,10 +12,16 @@ using Kind = Fault::Kind;
 
 constexpr int maxDelayMs = 3600000;
 
-bool parseNumber(const std::string& text, int& number) {
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && rest == end;
+// The elements that an answer has.
+bool isElement(const std::string& name) {
+    for (const char* const known :
+         {"LipSyncNtpTimestamps", "capture_timestamp", "rendering_timestamp", "receiving_timestamp",
+          "jitter_buffer_depth", "Result", "ErrorCode", "Message"}) {
+        if (name == known) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void remove(Element& element, const std::string& name) {
@@ -65,17 +70,16 @@ const std::vector<Fault::Description>& Fault::descriptions() {
         {Kind::Zero, "zero", "", "a zero byte stands in the middle of the answer"},
         {Kind::Silence, "silence", "", "nothing is answered, the connection stays open"},
         {Kind::Delay, "delay", "MS", "the answer comes so many milliseconds later"},
-        {Kind::Flood, "flood", "",
-         "bytes without an end marker, up to the flood limit; then the connection is closed"},
+        {Kind::Flood, "flood", "", "bytes without an end marker; then the connection is closed"},
         {Kind::Reset, "reset", "", "the connection is reset"},
     };
     return all;
 }
 
 bool Fault::parse(const std::string& text, Fault& fault, std::string& error) {
-    const std::size_t nameEnd = std::min(text.find(' '), text.size());
-    const std::string name = text.substr(0, nameEnd);
-    const std::string argument = text.substr(std::min(nameEnd + 1, text.size()));
+    const Words words(text);
+    const std::string& name = words.first;
+    const std::string& argument = words.rest;
     for (const Description& description : descriptions()) {
         if (name != description.name) {
             continue;
@@ -97,16 +101,17 @@ bool Fault::parse(const std::string& text, Fault& fault, std::string& error) {
 bool Fault::setArgument(const std::string& argument, std::string& error) {
     _argument = argument;
     if (_kind == Kind::Error) {
-        const std::size_t codeEnd = std::min(argument.find(' '), argument.size());
-        _argument = argument.substr(std::min(codeEnd + 1, argument.size()));
+        const Words words(argument);
+        _argument = words.rest;
         error = "an error code is a decimal number of 32 bits";
-        return parseNumber(argument.substr(0, codeEnd), _number);
+        return parseNumber(words.first, _number);
     }
     if (_kind == Kind::Delay) {
         error = "a delay is 0 to " + std::to_string(maxDelayMs) + " ms";
         return parseNumber(argument, _number) && _number >= 0 && _number <= maxDelayMs;
     }
-    return true;
+    error = "no answer has an element '" + argument + "'";
+    return _kind != Kind::Missing || isElement(argument);
 }
 
 void Fault::spoil(Verdict& verdict) const {
@@ -175,15 +180,6 @@ Reply Fault::deliver(const std::string& document, std::size_t floodBytes) const 
             break;
     }
     return reply;
-}
-
-std::string faultTable() {
-    std::ostringstream table;
-    for (const Fault::Description& fault : Fault::descriptions()) {
-        const std::string usage = std::string(fault.name) + ' ' + fault.argument;
-        table << std::left << std::setw(23) << usage << fault.effect << '\n';
-    }
-    return table.str();
 }
 
 Reply deliver(const std::string& document) {

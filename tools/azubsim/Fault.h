@@ -64,9 +64,6 @@ private:
     int _number = 0;
 };
 
-/// The faults as lines of text: name, argument, effect.
-std::string faultTable();
-
 /// How an answer is delivered that is not spoiled.
 Reply deliver(const std::string& document);
 

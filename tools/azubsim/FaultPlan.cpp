@@ -7,8 +7,9 @@ void FaultPlan::setEvery(unsigned int every) {
     _answers = 0;
 }
 
-void FaultPlan::setSeed(std::uint32_t seed) {
-    _random.emplace(seed);
+void FaultPlan::setSeed(std::optional<std::uint32_t> seed) {
+    _seed = seed;
+    _random.seed(seed.value_or(0));
 }
 
 const Fault* FaultPlan::next() {
@@ -16,8 +17,8 @@ const Fault* FaultPlan::next() {
         return nullptr;
     }
     // Plain remainders: what a seed chooses must not depend on a library's distributions.
-    if (_random) {
-        return (*_random)() % _every == 0 ? &_faults[(*_random)() % _faults.size()] : nullptr;
+    if (_seed) {
+        return _random() % _every == 0 ? &_faults[_random() % _faults.size()] : nullptr;
     }
     if (++_answers % _every != 0) {
         return nullptr;

@@ -20,20 +20,22 @@ public:
 
     /// At least 1, which spoils every answer.
     void setEvery(unsigned int every);
-    void setSeed(std::uint32_t seed);
+    void setSeed(std::optional<std::uint32_t> seed);
 
     /// The fault of the next answer, or null.
     const Fault* next();
 
     const std::vector<Fault>& faults() const { return _faults; }
     unsigned int every() const { return _every; }
+    std::optional<std::uint32_t> seed() const { return _seed; }
 
 private:
     std::vector<Fault> _faults;
     unsigned int _every = 1;
     unsigned int _answers = 0;
     std::size_t _turn = 0;
-    std::optional<std::mt19937> _random;
+    std::optional<std::uint32_t> _seed;
+    std::mt19937 _random;
 };
 
 } // namespace azubsim

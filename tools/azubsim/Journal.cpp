@@ -1,6 +1,7 @@
 #include "tools/azubsim/Journal.h"
 
 #include <chrono>
+#include <iostream>
 #include <nlohmann/json.hpp>
 
 namespace azubsim {
@@ -63,6 +64,10 @@ void Recorder::add(int client, const std::string& request, const Reply& reply,
     object["fault"] = fault;
     // A client may send what is no UTF-8.
     _file << object.dump(-1, ' ', true, json::error_handler_t::replace) << std::endl;
+    if (!_file.good()) {
+        std::cerr << "azubsim: the record cannot be written, and ends here" << std::endl;
+        _file.close();
+    }
 }
 
 bool Replay::open(const std::string& path, std::string& error) {
@@ -80,7 +85,8 @@ bool Replay::open(const std::string& path, std::string& error) {
         }
         _replies.push_back(reply);
     }
-    return true;
+    error = "it holds no exchange";
+    return !_replies.empty();
 }
 
 Reply Replay::next() {

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "tools/azubsim/Fault.h"
+#include "tools/azubsim/Help.h"
 #include "tools/manual/HelpFormatter.h"
 
 namespace azubsim {
@@ -27,19 +27,19 @@ void declareOptions(CLI::App& app, Options& options) {
         ->take_all();
     app.add_option("--every", options.every, "Spoil one answer in N, and not every one")
         ->type_name("N")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1, 1000000000));
     app.add_option("--seed", options.seed,
                    "Choose answers and faults at random, the same ones each time for the same seed")
         ->type_name("S");
     app.add_option("--flood-limit", options.floodBytes,
                    "Bytes that the fault \"flood\" sends before it closes the connection")
         ->type_name("BYTES")
-        ->check(CLI::Range(1, 1073741824))
+        ->check(CLI::Range(1, 268435456))
         ->capture_default_str();
     CLI::Option* const record =
         app.add_option("--record", options.recordFile,
                        "Write each exchange to this file, one JSON object a line: time, client, "
-                       "request, answer, end, fault")
+                       "request, answer, end, fault; delays are not kept")
             ->type_name("FILE");
     app.add_option("--replay", options.replayFile,
                    "Give the answers of a recorded file, in their order and whatever is asked; "
@@ -47,7 +47,7 @@ void declareOptions(CLI::App& app, Options& options) {
         ->type_name("FILE")
         ->excludes(record);
     app.add_flag("--verbose", options.isVerbose, "Show each message on standard error");
-    app.footer("Faults:\n" + faultTable() +
+    app.footer("Faults:\n" + faultTable() + "\nLines on standard input:\n" + commandTable() +
                "\nExit status: 0 after an interrupt or \"quit\", 1 if it cannot listen or use\na "
                "file, 2 for wrong usage.\n"
                "\nExamples:\n"

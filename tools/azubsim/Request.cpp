@@ -1,19 +1,14 @@
 #include "tools/azubsim/Request.h"
 
-#include <charconv>
 #include <cstring>
 #include <pugixml.hpp>
 #include <string_view>
 
+#include "tools/azubsim/Words.h"
+
 namespace azubsim {
 
 namespace {
-
-bool parseDecimal(std::string_view text, std::uint64_t& value) {
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && rest == end;
-}
 
 bool parseCommand(const pugi::xml_node& element, Request& request, std::string& error) {
     const std::string_view name = element.name();
@@ -23,7 +18,7 @@ bool parseCommand(const pugi::xml_node& element, Request& request, std::string& 
     }
     if (name == "SetAudioDelay_Request") {
         request.command = Request::Command::SetAudioDelay;
-        if (!parseDecimal(element.child_value(), request.delayMs)) {
+        if (!parseNumber(element.child_value(), request.delayMs)) {
             error = "delay is no decimal number";
             return false;
         }

@@ -18,6 +18,9 @@ constexpr std::size_t maxRequestSize = 65536;
 // A client that does not take its answers is not asked for more requests.
 constexpr std::size_t maxQueuedPieces = 64;
 
+// What one client is sent before the others get their turn.
+constexpr std::size_t maxBytesInARow = 262144;
+
 // So long no client is accepted when there is no descriptor for one.
 constexpr std::chrono::milliseconds acceptPause{100};
 
@@ -115,7 +118,9 @@ void Server::poll(std::vector<pollfd>& polled) {
 void Server::acceptClient() {
     const int fd = accept4(_listener, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (fd >= 0) {
-        _clients.push_back({++_lastNumber, fd, {}, {}, {}});
+        _clients.emplace_back();
+        _clients.back().number = ++_lastNumber;
+        _clients.back().fd = fd;
     } else if (!mustWait()) {
         _listenAgain = Clock::now() + acceptPause;
     }
@@ -147,45 +152,54 @@ void Server::read(Client& client) {
     client.in.append(chunk, static_cast<std::size_t>(n));
     std::size_t end;
     while (!client.isClosing && (end = client.in.find(endMarker)) != std::string::npos) {
-        const Reply reply = _handler(client.number, client.in.substr(0, end));
+        Reply reply = _handler(client.number, client.in.substr(0, end));
         client.in.erase(0, end + std::strlen(endMarker));
         if (reply.end == Reply::End::Reset) {
             client.isOver = true;
             return;
         }
-        enqueue(client, reply);
+        enqueue(client, std::move(reply));
     }
     recv(client.fd, chunk, static_cast<std::size_t>(n), 0);
     client.isOver = client.in.size() > maxRequestSize;
 }
 
-void Server::enqueue(Client& client, const Reply& reply) {
-    for (const Reply::Piece& piece : reply.pieces) {
+void Server::enqueue(Client& client, Reply reply) {
+    for (Reply::Piece& piece : reply.pieces) {
         if (client.out.empty()) {
             client.due = Clock::now() + piece.wait;
         }
-        client.out.push_back(piece);
+        client.out.push_back(std::move(piece));
     }
     client.isClosing = reply.end == Reply::End::Close;
 }
 
-// Writes what is due, as far as the client takes it.
+// Writes what is due, as far as the client takes it, but not so much that others have to wait.
 void Server::write(Client& client) {
-    while (!client.out.empty() && client.due <= Clock::now()) {
-        std::string& bytes = client.out.front().bytes;
-        const ssize_t n = send(client.fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    std::size_t budget = maxBytesInARow;
+    while (!client.out.empty() && client.due <= Clock::now() && budget > 0) {
+        const std::string& bytes = client.out.front().bytes;
+        const std::size_t size = std::min(bytes.size() - client.written, budget);
+        const ssize_t n = send(client.fd, bytes.data() + client.written, size, MSG_NOSIGNAL);
         if (n < 0) {
             client.isOver = !mustWait();
             return;
         }
-        bytes.erase(0, static_cast<std::size_t>(n));
-        if (bytes.empty()) {
-            client.out.pop_front();
-            client.due = Clock::now() + (client.out.empty() ? std::chrono::microseconds(0)
-                                                            : client.out.front().wait);
+        client.written += static_cast<std::size_t>(n);
+        budget -= static_cast<std::size_t>(n);
+        if (client.written == bytes.size()) {
+            nextPiece(client);
         }
     }
     client.isOver = client.isClosing && client.out.empty();
+}
+
+void Server::nextPiece(Client& client) {
+    client.out.pop_front();
+    client.written = 0;
+    if (!client.out.empty()) {
+        client.due = Clock::now() + client.out.front().wait;
+    }
 }
 
 } // namespace azubsim

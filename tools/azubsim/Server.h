@@ -40,12 +40,13 @@ private:
     using Clock = std::chrono::steady_clock;
 
     struct Client {
-        int number;
-        int fd;
+        int number = 0;
+        int fd = -1;
         std::string in;
         std::deque<Reply::Piece> out;
-        Clock::time_point due;  ///< When the first piece of `out` is written.
-        bool isClosing = false; ///< After `out` is written.
+        std::size_t written = 0; ///< Of the first piece of `out`.
+        Clock::time_point due;   ///< When that piece is written.
+        bool isClosing = false;  ///< After `out` is written.
         bool isOver = false;
     };
 
@@ -60,7 +61,8 @@ private:
     void serve(Client& client, short events);
     void read(Client& client);
     void write(Client& client);
-    static void enqueue(Client& client, const Reply& reply);
+    static void enqueue(Client& client, Reply reply);
+    static void nextPiece(Client& client);
 
     int _listener;
     Handler _handler;

@@ -25,9 +25,13 @@ int endSignals() {
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGHUP);
+    sigaddset(&signals, SIGQUIT);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     // In the background of a terminal standard input cannot be read, but must not stop the process.
     std::signal(SIGTTIN, SIG_IGN);
+    // Nor must a reader of the output that goes away.
+    std::signal(SIGPIPE, SIG_IGN);
     return signalfd(-1, &signals, SFD_CLOEXEC);
 }
 

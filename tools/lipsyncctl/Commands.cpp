@@ -19,6 +19,8 @@ using velta::zub::lipsyncapi::Service;
 
 namespace {
 
+constexpr int exitUsage = 2;
+
 int fail(const Service::Result& result) {
     std::cerr << "lipsyncctl: " << result.format() << '\n';
     return EXIT_FAILURE;
@@ -59,7 +61,9 @@ int printMargin(const Service& service, Output& output) {
 int setMargin(Service& service, const Options& options, Output& output) {
     const Service::Result result = service.setAudioDelayMargin(options.marginMs);
     if (result.isFailure()) {
-        return fail(result);
+        fail(result);
+        // The engine was not even asked for a margin that it cannot have.
+        return result.code == Service::ResultCode::InvalidParam ? exitUsage : EXIT_FAILURE;
     }
     output.print({{"margin_ms", options.marginMs}},
                  printed("the engine delays the audio by %lu ms", options.marginMs));
@@ -131,7 +135,8 @@ int sendVideo(Service& service, const Options& options, Output& output) {
 
 int runCommand(const Options& options) {
     if (options.watch) {
-        return watchTimestamps(options);
+        watchTimestamps(options);
+        return EXIT_SUCCESS;
     }
     Service service;
     const Service::Result connected = service.connect(options.socket);

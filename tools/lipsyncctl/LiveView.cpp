@@ -2,17 +2,21 @@
 
 #include <fcntl.h>
 #include <ncurses.h>
+#include <term.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace lipsyncctl {
 
 namespace {
 
 constexpr int labelWidth = 16;
+constexpr int stripTop = 9;
 constexpr int stripHeight = 8;
+constexpr int failureLines = 4;
 constexpr int stripSeconds = 60;
 constexpr double jitterScaleMs = 200;
 
@@ -28,12 +32,17 @@ void drawBar(int cells, double share) {
 
 } // namespace
 
+bool LiveView::isPossible() {
+    int error = 0;
+    return isatty(STDOUT_FILENO) == 1 && setupterm(nullptr, STDOUT_FILENO, &error) == OK;
+}
+
 LiveView::LiveView(const std::string& socket) : _socket(socket) {
     if (isatty(STDERR_FILENO) == 1) {
         _savedStandardError = dup(STDERR_FILENO);
         const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
         dup2(nowhere, STDERR_FILENO);
-        close(nowhere);
+        ::close(nowhere);
     }
     initscr();
     cbreak();
@@ -45,11 +54,19 @@ LiveView::LiveView(const std::string& socket) : _socket(socket) {
 }
 
 LiveView::~LiveView() {
-    endwin();
+    close();
+}
+
+void LiveView::close() {
+    if (_isOpen) {
+        endwin();
+    }
+    _isOpen = false;
     if (_savedStandardError >= 0) {
         dup2(_savedStandardError, STDERR_FILENO);
-        close(_savedStandardError);
+        ::close(_savedStandardError);
     }
+    _savedStandardError = -1;
 }
 
 void LiveView::show(const Reading& reading) {
@@ -61,6 +78,9 @@ void LiveView::show(const Reading& reading) {
         _lastMinute.push_back({second, reading.latencyMs()});
     } else {
         _lastMinute.back().latencyMs = std::max(_lastMinute.back().latencyMs, reading.latencyMs());
+    }
+    while (_lastMinute.front().time <= second - stripSeconds) {
+        _lastMinute.pop_front();
     }
     draw();
 }
@@ -81,23 +101,32 @@ bool LiveView::refresh() {
 
 void LiveView::draw() const {
     erase();
-    mvprintw(0, 0, "lipsyncctl  %s", _socket.c_str());
+    mvaddnstr(0, 0, ("lipsyncctl  " + _socket).c_str(), COLS);
+    mvaddnstr(1, 0, status().c_str(), COLS);
     drawTimestamps();
-    drawStrip(8);
-    drawStatus();
+    if (LINES >= stripTop + stripHeight + 3) {
+        drawStrip();
+    }
+    move(LINES - 1, 0);
+    clrtoeol();
+    mvaddnstr(LINES - 1, 0, "q or Ctrl-C ends", COLS - 1);
+    if (!_failure.empty()) {
+        // The whole of it, over as many lines as it takes.
+        mvaddnstr(std::max(2, LINES - failureLines), 0, _failure.c_str(), COLS * failureLines - 1);
+    }
     ::refresh();
 }
 
-void LiveView::drawStatus() const {
-    const int row = 8 + stripHeight + 3;
-    if (!_failure.empty()) {
-        mvprintw(row, 0, "Waiting for the engine: %s", _failure.c_str());
-    } else if (_hasReading) {
-        mvprintw(row, 0, "Last reading %.1f s ago", std::max(0.0, now() - _reading.time));
-    } else {
-        mvaddstr(row, 0, "Waiting for the first reading");
+std::string LiveView::status() const {
+    char age[64] = "";
+    if (_hasReading) {
+        std::snprintf(age, sizeof(age), "Last reading %.1f s ago",
+                      std::max(0.0, now() - _reading.time));
     }
-    mvaddstr(LINES - 1, 0, "q or Ctrl-C ends");
+    if (_failure.empty()) {
+        return _hasReading ? age : "Waiting for the first reading";
+    }
+    return _failure.substr(0, _failure.find(':')) + (_hasReading ? std::string(". ") + age : "");
 }
 
 void LiveView::drawTimestamps() const {
@@ -113,7 +142,7 @@ void LiveView::drawTimestamps() const {
         {"Received", timestamps.audioReceivingTimestamp},
         {"Rendered", timestamps.audioRenderingTimestamp},
     };
-    int row = 2;
+    int row = 3;
     for (const auto& time : times) {
         mvprintw(row++, 0, "%-*s%s", labelWidth, time.label,
                  timeOfDay(ntpToUnix(time.ntp)).c_str());
@@ -126,30 +155,33 @@ void LiveView::drawTimestamps() const {
     printw(" %.0f", jitterScaleMs);
 }
 
-// Latency of the last minute: a column a second, the present one at the right.
-void LiveView::drawStrip(int top) const {
+// Latency of the last minute: a column a second, which shows the largest one of it, the present
+// second at the right.
+void LiveView::drawStrip() const {
+    constexpr int top = stripTop;
     double largest = 0;
     for (const Second& second : _lastMinute) {
         largest = std::max(largest, second.latencyMs);
     }
     constexpr double stepMs = 50;
     const double scaleMs = std::max(stepMs, std::ceil(largest / stepMs) * stepMs);
-    mvaddstr(top, 0, "Latency of the last minute, ms");
+    mvaddstr(top, 0, "Largest latency of each second of the last minute, ms");
     mvprintw(top + 1, 0, "%5.0f ", scaleMs);
     mvprintw(top + stripHeight, 0, "%5.0f ", scaleMs / stripHeight);
-    const int columns = std::clamp(COLS - 8, 1, stripSeconds);
+    const int stripColumns = std::clamp(COLS - 8, 1, stripSeconds);
     const long present = static_cast<long>(now());
     mvvline(top + 1, 6, ACS_VLINE, stripHeight);
-    mvhline(top + stripHeight + 1, 6, ACS_HLINE, columns + 1);
+    mvhline(top + stripHeight + 1, 6, ACS_HLINE, stripColumns + 1);
     mvaddch(top + stripHeight + 1, 6, ACS_LLCORNER);
     for (const Second& second : _lastMinute) {
         const long age = present - second.time;
-        if (age < 0 || age >= columns) {
+        if (age < 0 || age >= stripColumns) {
             continue;
         }
         const int height = static_cast<int>(std::lround(second.latencyMs / scaleMs * stripHeight));
         for (int cell = 0; cell < std::clamp(height, 0, stripHeight); ++cell) {
-            mvaddch(top + stripHeight - cell, 7 + columns - 1 - static_cast<int>(age), ACS_CKBOARD);
+            mvaddch(top + stripHeight - cell, 7 + stripColumns - 1 - static_cast<int>(age),
+                    ACS_CKBOARD);
         }
     }
 }

@@ -11,6 +11,9 @@ namespace lipsyncctl {
 /// error is kept off a terminal that it would spoil.
 class LiveView {
 public:
+    /// Whether standard output is a terminal of a known kind.
+    static bool isPossible();
+
     explicit LiveView(const std::string& socket);
     ~LiveView();
 
@@ -24,6 +27,9 @@ public:
     /// the user wants to leave.
     bool refresh();
 
+    /// Gives the terminal back.
+    void close();
+
 private:
     struct Second {
         long time;
@@ -31,9 +37,9 @@ private:
     };
 
     void draw() const;
-    void drawStatus() const;
+    std::string status() const;
     void drawTimestamps() const;
-    void drawStrip(int top) const;
+    void drawStrip() const;
 
     std::string _socket;
     Reading _reading;
@@ -41,6 +47,7 @@ private:
     std::string _failure;
     std::deque<Second> _lastMinute;
     int _savedStandardError = -1;
+    bool _isOpen = true;
 };
 
 } // namespace lipsyncctl

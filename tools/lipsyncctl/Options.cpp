@@ -10,10 +10,23 @@ namespace lipsyncctl {
 
 namespace {
 
+// The parser would take 020 for 16 and -20 for a very large number.
+std::string isDecimal(const std::string& text) {
+    const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos &&
+                          (text == "0" || text[0] != '0') && text.size() <= 9;
+    return isNumber ? "" : text + " is no decimal number of ms";
+}
+
 CLI::App* declareCommand(CLI::App& parent, Options& options, const std::string& name,
                          Command command, const std::string& description) {
     CLI::App* const app = parent.add_subcommand(name, description);
-    app->callback([&options, command] { options.command = command; });
+    app->footer("--socket and --format go with every command: see lipsyncctl --help.");
+    app->callback([&options, name, command] {
+        if (options.command) {
+            throw CLI::ExtrasError({name});
+        }
+        options.command = command;
+    });
     app->fallthrough();
     return app;
 }
@@ -21,6 +34,7 @@ CLI::App* declareCommand(CLI::App& parent, Options& options, const std::string& 
 void declareMargin(CLI::App& app, Options& options) {
     CLI::App* const margin = app.add_subcommand("margin", "Read or set the audio delay margin");
     margin->fallthrough();
+    margin->require_subcommand(0, 1);
     declareCommand(*margin, options, "get", Command::MarginGet,
                    "Print the last margin that the engine confirmed to the owner of this "
                    "connection, which is 0 on the new connection that this command makes: the "
@@ -29,6 +43,7 @@ void declareMargin(CLI::App& app, Options& options) {
                    "Ask the engine to delay the audio by MS milliseconds")
         ->add_option("MS", options.marginMs, "Margin in ms: a multiple of 20 up to 100")
         ->type_name("")
+        ->check(isDecimal)
         ->required();
 }
 
@@ -48,7 +63,7 @@ void declareTimestamps(CLI::App& app, Options& options) {
         ->needs(watch);
     timestamps->add_option("--count", options.count, "End after this many readings")
         ->type_name("N")
-        ->check(CLI::PositiveNumber)
+        ->check(CLI::Range(1, 1000000))
         ->needs(watch);
 }
 
@@ -58,7 +73,7 @@ void declarePing(CLI::App& app, Options& options) {
                        "Measure how long an exchange takes: least, median, 99th percentile, most");
     ping->add_option("--count", options.count, "Number of exchanges; 10 if not given")
         ->type_name("N")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1, 1000000));
 }
 
 void declareSendVideo(CLI::App& app, Options& options) {
@@ -86,10 +101,9 @@ void declareOptions(CLI::App& app, Options& options) {
         {"text", Format::Text}, {"json", Format::Json}, {"csv", Format::Csv}};
     app.add_option_function<std::string>(
            "--format", [&options](const std::string& name) { options.format = formats.at(name); },
-           "Output: text for people, json or csv for programs")
-        ->type_name("FORMAT")
+           "Output: text, which is the default, for people; json or csv for programs")
+        ->type_name("text|json|csv")
         ->check(CLI::IsMember(&formats));
-    app.fallthrough();
     declareCommand(app, options, "capabilities", Command::Capabilities,
                    "Print what margins the engine takes");
     declareMargin(app, options);

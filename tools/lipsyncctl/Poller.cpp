@@ -12,6 +12,11 @@ namespace {
 constexpr std::chrono::milliseconds reconnectPause{300};
 constexpr std::chrono::milliseconds stopPatience{300};
 
+// Events that nobody fetches are dropped, the oldest first.
+constexpr std::size_t maxEvents = 1000;
+
+const std::string waiting = "Waiting for the engine: ";
+
 } // namespace
 
 Poller::Poller(std::string socket, std::chrono::milliseconds interval)
@@ -66,7 +71,7 @@ Poller::Event Poller::readOnce(Service& service, bool& isConnected) const {
     if (!isConnected) {
         const Service::Result connected = service.connect(_socket);
         if (connected.isFailure()) {
-            return {std::nullopt, connected.format()};
+            return {std::nullopt, waiting + connected.format()};
         }
         isConnected = true;
     }
@@ -79,13 +84,17 @@ Poller::Event Poller::readOnce(Service& service, bool& isConnected) const {
     if (result.code == Service::ResultCode::TransportError) {
         service.disconnect();
         isConnected = false;
+        return {std::nullopt, waiting + result.format()};
     }
-    return {std::nullopt, result.format()};
+    return {std::nullopt, "The engine refuses: " + result.format()};
 }
 
 void Poller::report(Event event) {
     const std::lock_guard<std::mutex> lock(_mutex);
     _events.push_back(std::move(event));
+    if (_events.size() > maxEvents) {
+        _events.pop_front();
+    }
     _changed.notify_all();
 }
 

@@ -20,7 +20,7 @@ public:
     /// A reading, or why there is none.
     struct Event {
         std::optional<Reading> reading;
-        std::string failure;
+        std::string failure; ///< In words for the user.
     };
 
     Poller(std::string socket, std::chrono::milliseconds interval);

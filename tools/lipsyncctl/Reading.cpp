@@ -25,16 +25,10 @@ double ntpToUnix(unsigned long ntp) {
     return seconds - static_cast<double>(secondsFrom1900To1970) + fraction;
 }
 
-unsigned long unixToNtp(double seconds) {
-    const auto whole = static_cast<unsigned long>(seconds);
-    const double fraction = seconds - static_cast<double>(whole);
-    return ((whole + secondsFrom1900To1970) << 32) +
-           static_cast<unsigned long>(fraction * ntpUnitsPerSecond);
-}
-
 std::string timeOfDay(double seconds) {
-    const auto whole = static_cast<std::time_t>(std::floor(seconds));
-    const int milliseconds = static_cast<int>((seconds - static_cast<double>(whole)) * 1000);
+    const auto rounded = static_cast<long>(std::llround(seconds * 1000));
+    const std::time_t whole = rounded / 1000;
+    const int milliseconds = static_cast<int>(rounded % 1000);
     std::tm local{};
     localtime_r(&whole, &local);
     char text[32];

@@ -27,7 +27,6 @@ struct Reading {
 /// Seconds since 1970.
 double now();
 double ntpToUnix(unsigned long ntp);
-unsigned long unixToNtp(double seconds);
 
 /// Local time of day, with milliseconds.
 std::string timeOfDay(double seconds);

@@ -1,7 +1,5 @@
 #include "tools/lipsyncctl/Watch.h"
 
-#include <unistd.h>
-
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -36,9 +34,11 @@ private:
     bool _isEndless;
 };
 
-// Both return whether the poller could be stopped.
-bool watchOnTerminal(Poller& poller, const Options& options) {
+// Both end the process where the poller cannot be ended: it waits for an engine that is silent.
+
+void watchOnTerminal(const Options& options) {
     LiveView view(options.socket);
+    Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
     Countdown readings(options.count);
     while (isInterrupted == 0 && !readings.isOver() && view.refresh()) {
         const std::optional<Poller::Event> event = poller.next(patience);
@@ -52,11 +52,16 @@ bool watchOnTerminal(Poller& poller, const Options& options) {
             view.showFailure(event->failure);
         }
     }
-    // While the view still keeps the last log line off the terminal.
-    return poller.stop();
+    // The view still keeps the last log line off the terminal.
+    const bool hasStopped = poller.stop();
+    view.close();
+    if (!hasStopped) {
+        std::_Exit(EXIT_SUCCESS);
+    }
 }
 
-bool watchInLines(Poller& poller, const Options& options) {
+void watchInLines(const Options& options) {
+    Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
     Output output(options.format);
     Countdown readings(options.count);
     std::string lastFailure;
@@ -69,25 +74,32 @@ bool watchInLines(Poller& poller, const Options& options) {
             output.print(event->reading->record(), event->reading->text());
             readings.count();
         } else if (event->failure != lastFailure) {
-            std::cerr << "lipsyncctl: waiting for the engine: " << event->failure << std::endl;
+            std::cerr << "lipsyncctl: " << event->failure << std::endl;
         }
         lastFailure = event->failure;
     }
-    return poller.stop();
+    if (!poller.stop()) {
+        std::cout.flush();
+        std::_Exit(EXIT_SUCCESS);
+    }
 }
 
 } // namespace
 
-int watchTimestamps(const Options& options) {
-    std::signal(SIGINT, interrupt);
-    std::signal(SIGTERM, interrupt);
-    Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
-    const bool hasTerminal = options.format == Format::Text && isatty(STDOUT_FILENO) == 1;
-    if (!(hasTerminal ? watchOnTerminal(poller, options) : watchInLines(poller, options))) {
-        std::cout.flush();
-        std::_Exit(EXIT_SUCCESS);
+void watchTimestamps(const Options& options) {
+    // Without restarting a call that waits, for an output that nobody reads for example. A second
+    // signal ends the process at once.
+    struct sigaction action {};
+    action.sa_handler = interrupt;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+    const bool hasTerminal = options.format == Format::Text && LiveView::isPossible();
+    if (hasTerminal) {
+        watchOnTerminal(options);
+    } else {
+        watchInLines(options);
     }
-    return EXIT_SUCCESS;
 }
 
 } // namespace lipsyncctl

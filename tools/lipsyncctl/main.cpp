@@ -1,7 +1,10 @@
+#include <fcntl.h>
+
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
+#include <iostream>
 
 #include "tools/lipsyncctl/Commands.h"
 #include "tools/lipsyncctl/Options.h"
@@ -10,9 +13,19 @@ namespace {
 
 constexpr int exitUsage = 2;
 
+// A socket must not get the number of a standard descriptor that the caller has closed.
+void openStandardDescriptors() {
+    for (int fd = 0; fd <= 2; ++fd) {
+        if (fcntl(fd, F_GETFD) < 0) {
+            static_cast<void>(open("/dev/null", O_RDWR));
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
+    openStandardDescriptors();
     std::setlocale(LC_CTYPE, "");
     // An engine that goes away must not take this process with it.
     std::signal(SIGPIPE, SIG_IGN);
@@ -28,5 +41,10 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? EXIT_SUCCESS : exitUsage;
     }
-    return lipsyncctl::runCommand(options);
+    const int status = lipsyncctl::runCommand(options);
+    if (!std::cout.flush()) {
+        std::cerr << "lipsyncctl: cannot write to standard output\n";
+        return EXIT_FAILURE;
+    }
+    return status;
 }

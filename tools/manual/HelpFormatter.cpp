@@ -49,11 +49,7 @@ std::string HelpFormatter::make_option_opts(const CLI::Option* option) const {
 }
 
 std::string HelpFormatter::make_option_desc(const CLI::Option* option) const {
-    std::string text = option->get_description();
-    if (!option->get_default_str().empty()) {
-        text += " (" + option->get_default_str() + ")";
-    }
-    return wrapped(text, columns - nameColumns);
+    return wrapped(describe(*option), columns - nameColumns);
 }
 
 } // namespace manual

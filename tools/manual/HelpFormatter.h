@@ -11,6 +11,12 @@ inline std::string valueName(const CLI::Option& option) {
     return type.substr(0, type.find(':'));
 }
 
+/// What an option does, and what it is if it is not given.
+inline std::string describe(const CLI::Option& option) {
+    const std::string standard = option.get_default_str();
+    return option.get_description() + (standard.empty() ? "" : " (" + standard + ")");
+}
+
 /// Breaks text into lines of at most `width` characters, where a word allows it.
 std::string wrapped(const std::string& text, std::size_t width);
 

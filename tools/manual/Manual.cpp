@@ -49,12 +49,8 @@ std::string optionList(const CLI::App& app) {
         if (option == app.get_help_ptr() && app.get_parent() != nullptr) {
             continue;
         }
-        std::string description = option->get_description();
-        if (!option->get_default_str().empty()) {
-            description += " (" + option->get_default_str() + ")";
-        }
         list += ".TP\n.B " + roff(option->get_name(false, true)) + " \\fI" +
-                roff(valueName(*option)) + "\\fR\n" + roff(description) + ".\n";
+                roff(valueName(*option)) + "\\fR\n" + roff(describe(*option)) + ".\n";
     }
     return list;
 }
@@ -94,15 +90,43 @@ std::string optionNames(const CLI::App& app) {
     return names;
 }
 
-// The options whose value is the name of a file, as a pattern of bash.
-std::string fileOptions(const CLI::App& app) {
-    std::string pattern;
+// A line of a bash `case` on the word before: what can follow an option that takes a value.
+std::string valueCases(const CLI::App& app) {
+    std::string cases;
     for (const CLI::Option* const option : app.get_options()) {
         const std::string value = valueName(*option);
-        if (value == "PATH" || value == "FILE") {
-            pattern += (pattern.empty() ? "--" : "|--") + option->get_lnames().front();
+        if (value.empty() || option->get_lnames().empty()) {
+            continue;
         }
+        std::string words = value;
+        std::replace(words.begin(), words.end(), '|', ' ');
+        const bool isFile = value == "PATH" || value == "FILE";
+        const std::string generate = isFile           ? "-f"
+                                     : words == value ? "-W ''"
+                                                      : "-W '" + words + "'";
+        cases += "        --" + option->get_lnames().front() + ") COMPREPLY=($(compgen " +
+                 generate + " -- \"$current\")); return ;;\n";
     }
+    visit(app, "", [&](const CLI::App& command, const std::string&) {
+        if (commandsOf(command).empty()) {
+            cases += valueCases(command);
+        }
+    });
+    return cases;
+}
+
+// The options that take a value, as a pattern of bash.
+std::string valueOptions(const CLI::App& app) {
+    std::string pattern;
+    const auto add = [&](const CLI::App& command, const std::string&) {
+        for (const CLI::Option* const option : command.get_options()) {
+            if (!valueName(*option).empty() && !option->get_lnames().empty()) {
+                pattern += (pattern.empty() ? "--" : "|--") + option->get_lnames().front();
+            }
+        }
+    };
+    add(app, "");
+    visit(app, "", add);
     return pattern;
 }
 
@@ -133,18 +157,21 @@ std::string bashCompletion(const CLI::App& app) {
     return "# Completion of " + name + " for bash.\n_" + name +
            "() {\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}\n"
-           "    case $previous in\n"
-           "        " +
-           fileOptions(app) +
-           ") COMPREPLY=($(compgen -f -- \"$current\")); return ;;\n"
-           "        --format) COMPREPLY=($(compgen -W 'text json csv' -- \"$current\")); return "
-           ";;\n"
+           "    case $previous in\n" +
+           valueCases(app) +
            "    esac\n"
            "    local command= word words='" +
            commandNames(app) + optionNames(app) +
            "--help'\n"
+           "    local isValue=\n"
            "    for word in \"${COMP_WORDS[@]:1:COMP_CWORD-1}\"; do\n"
-           "        [[ $word =~ ^[a-z-]+$ && $word != -* ]] && command+=\"$word \"\n"
+           "        case $isValue$word in\n"
+           "            " +
+           valueOptions(app) +
+           ") isValue=1; continue ;;\n"
+           "            [a-z]*) command+=\"$word \" ;;\n"
+           "        esac\n"
+           "        isValue=\n"
            "    done\n"
            "    case $command in\n" +
            cases +
