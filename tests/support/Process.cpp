@@ -108,6 +108,12 @@ void Process::signal(int number) const {
     kill(_pid, number);
 }
 
+bool Process::isRunning() const {
+    siginfo_t info{};
+    waitid(P_PID, static_cast<id_t>(_pid), &info, WEXITED | WNOHANG | WNOWAIT);
+    return info.si_pid == 0;
+}
+
 int Process::wait() {
     int status = 0;
     waitpid(_pid, &status, 0);

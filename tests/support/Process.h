@@ -35,6 +35,8 @@ public:
 
     void signal(int number) const;
 
+    bool isRunning() const;
+
     /// Waits for the end. The exit status, or minus the signal that killed it.
     int wait();
 

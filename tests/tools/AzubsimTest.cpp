@@ -86,7 +86,7 @@ TEST_F(Azubsim, WithoutACallEveryRequestFails) {
 }
 
 TEST_F(Azubsim, EndsCleanlyOnSignals) {
-    for (const int number : {SIGINT, SIGTERM}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         Process process = start();
         expectListening(process);
         EXPECT_TRUE(socketExists());

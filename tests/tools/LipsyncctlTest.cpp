@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
 #include <fstream>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
@@ -88,6 +90,9 @@ TEST(Lipsyncctl, FailsWithTheWholeChain) {
     EXPECT_EQ(run({"ping"}, longPath).output,
               cannot + longPath + " {No such file or directory (Code 2)}}\n");
     Engine idle({"--no-call"});
+    const Outcome odd = run({"margin", "set", "30"}, idle.socket());
+    EXPECT_EQ(odd.status, 2);
+    EXPECT_NE(odd.output.find("granularity of 20ms."), std::string::npos);
     EXPECT_EQ(run({"timestamps"}, idle.socket()).output,
               "lipsyncctl: The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): "
               "no call}\n");
@@ -100,6 +105,10 @@ TEST(Lipsyncctl, RefusesBadUsage) {
         {{"nonsense"}, "nonsense"},
         {{"margin", "set"}, "MS is required"},
         {{"margin", "set", "x"}, "x"},
+        {{"margin", "set", "020"}, "020 is no decimal number"},
+        {{"margin", "get", "margin", "set", "40"}, "set"},
+        {{"ping", "timestamps"}, "timestamps"},
+        {{"ping", "--count", "4000000000"}, "--count"},
         {{"timestamps", "--count", "3"}, "--count requires --watch"},
         {{"timestamps", "--watch", "--interval", "0"}, "--interval"},
         {{"--format", "xml", "ping"}, "xml"},
@@ -119,6 +128,36 @@ TEST(Lipsyncctl, NoticesAnEngineThatDiesDuringAnExchange) {
     EXPECT_NE(reader.readAll().find("lipsyncctl: An error has occured in the transport layer"),
               std::string::npos);
     EXPECT_EQ(reader.wait(), 1);
+}
+
+TEST(Lipsyncctl, WaitsForAnEngineAndGoesOnWhenItIsBack) {
+    auto engine = std::make_unique<Engine>(std::vector<std::string>{});
+    const std::string socket = engine->socket();
+    const tests::TemporaryDirectory directory;
+    const std::string link = directory.path() + "/engine";
+    ASSERT_EQ(symlink(socket.c_str(), link.c_str()), 0);
+    Process watch({LIPSYNCCTL, "timestamps", "--watch", "--interval", "20", "--socket", link});
+    watch.readUntil("  latency ");
+    engine.reset();
+    watch.readUntil("lipsyncctl: Waiting for the engine: Cannot connect to Audio ZUB");
+    engine = std::make_unique<Engine>(std::vector<std::string>{});
+    unlink(link.c_str());
+    ASSERT_EQ(symlink(engine->socket().c_str(), link.c_str()), 0);
+    watch.readUntil("  latency ");
+    engine->process().write("call off\n");
+    watch.readUntil("lipsyncctl: The engine refuses: The AZUB is not performing a call");
+    watch.signal(SIGINT);
+    EXPECT_EQ(watch.wait(), 0);
+}
+
+TEST(Lipsyncctl, SaysThatItsOutputCannotBeWritten) {
+    Engine engine({});
+    Process shell(
+        {"/bin/sh", "-c",
+         std::string(LIPSYNCCTL) + " capabilities --socket " + engine.socket() + " >/dev/full"});
+    EXPECT_NE(shell.readAll().find("lipsyncctl: cannot write to standard output"),
+              std::string::npos);
+    EXPECT_EQ(shell.wait(), 1);
 }
 
 TEST(Lipsyncctl, ShowsALiveViewAndLeavesTheTerminalAsItWas) {
