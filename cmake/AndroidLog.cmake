@@ -9,6 +9,8 @@ else()
     find_path(ANDROID_LOG_INCLUDE_DIR android/log.h PATH_SUFFIXES android REQUIRED)
 endif()
 
+get_filename_component(ANDROID_LOG_DIR ${ANDROID_LOG_LIBRARY} DIRECTORY)
+
 add_library(android_log SHARED IMPORTED)
 set_target_properties(android_log PROPERTIES
     IMPORTED_LOCATION ${ANDROID_LOG_LIBRARY}

@@ -27,12 +27,27 @@ target_link_libraries(zublipsyncapi_objects
 set(exports ${PROJECT_SOURCE_DIR}/cmake/zublipsyncapi.map)
 add_library(zublipsyncapi SHARED)
 add_library(zublipsyncapi::zublipsyncapi ALIAS zublipsyncapi)
-set_target_properties(zublipsyncapi PROPERTIES
-    VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR}
-    LINK_DEPENDS ${exports})
+set_target_properties(zublipsyncapi PROPERTIES LINK_DEPENDS ${exports})
+if(ANDROID)
+    # Devices with pages of 16 KB load no library that is aligned to less.
+    target_link_options(zublipsyncapi PRIVATE LINKER:-z,max-page-size=16384)
+    # What is shipped goes without symbols; what a crash is looked at with keeps them.
+    add_custom_command(TARGET zublipsyncapi POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -E make_directory unstripped
+        COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:zublipsyncapi> unstripped/
+        COMMAND ${CMAKE_STRIP} --strip-unneeded $<TARGET_FILE:zublipsyncapi>)
+else()
+    # An app on Android carries its libraries and finds them by names without versions; a Linux
+    # system keeps several versions apart.
+    set_target_properties(zublipsyncapi PROPERTIES
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}
+        INSTALL_RPATH ${ANDROID_LOG_DIR})
+endif()
 target_compile_features(zublipsyncapi PUBLIC cxx_std_17)
-target_include_directories(zublipsyncapi INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+target_include_directories(zublipsyncapi INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zublipsyncapi>)
 target_link_libraries(zublipsyncapi PRIVATE zublipsyncapi_objects zublipsyncapi_options)
 target_link_options(zublipsyncapi PRIVATE
     LINKER:--version-script=${exports}

@@ -6,6 +6,10 @@ set(TINYXML_SOURCE_DIR "" CACHE PATH
 
 add_library(tinyxml INTERFACE)
 
+if(ANDROID AND NOT TINYXML_SOURCE_DIR)
+    message(FATAL_ERROR "Android has no TinyXML: set TINYXML_SOURCE_DIR to its source")
+endif()
+
 if(TINYXML_SOURCE_DIR)
     # Debian's patched header insists on std::string; a copy of it goes without those lines.
     file(READ ${TINYXML_SOURCE_DIR}/tinyxml.h TINYXML_HEADER)

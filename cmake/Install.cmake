@@ -1,0 +1,65 @@
+# What is installed: the library for those who run it, and headers and package files for those who
+# build with it. The headers keep their paths under one include directory.
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS zublipsyncapi EXPORT zublipsyncapi
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT runtime NAMELINK_COMPONENT development)
+
+set(public_headers
+    comms/Client.h
+    comms/Link.h
+    lipsync/common/LipSyncNtpTimestamps.h
+    lipsyncapi/Service.h
+    utilities/Export.h
+    utilities/result/Append.h
+    utilities/result/ErrnoTrait.h
+    utilities/result/Result.h)
+foreach(header ${public_headers})
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zublipsyncapi/${folder}
+        COMPONENT development)
+endforeach()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zublipsyncapi)
+install(EXPORT zublipsyncapi NAMESPACE zublipsyncapi:: DESTINATION ${package_dir}
+    FILE zublipsyncapi-config.cmake COMPONENT development)
+write_basic_package_version_file(zublipsyncapi-config-version.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/zublipsyncapi-config-version.cmake
+    DESTINATION ${package_dir} COMPONENT development)
+
+# GNUInstallDirs allows absolute directories, which must not be put behind the prefix. Without one
+# the file finds the prefix from where it stands, and so can be installed to any.
+if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
+    set(pc_prefix ${CMAKE_INSTALL_PREFIX})
+else()
+    file(RELATIVE_PATH pc_prefix /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+    set(pc_prefix "\${pcfiledir}/${pc_prefix}")
+endif()
+foreach(dir LIBDIR INCLUDEDIR)
+    if(IS_ABSOLUTE ${CMAKE_INSTALL_${dir}})
+        set(pc_${dir} ${CMAKE_INSTALL_${dir}})
+    else()
+        set(pc_${dir} "\${prefix}/${CMAKE_INSTALL_${dir}}")
+    endif()
+endforeach()
+configure_file(cmake/zublipsyncapi.pc.in zublipsyncapi.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/zublipsyncapi.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+
+if(ZUBLIPSYNCAPI_TOOLS)
+    if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND NOT IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
+        set_target_properties(lipsyncctl PROPERTIES
+            INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+    endif()
+    set(manual_dir ${PROJECT_BINARY_DIR}/tools)
+    install(TARGETS azubsim lipsyncctl DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+    install(FILES ${manual_dir}/azubsim.1 ${manual_dir}/lipsyncctl.1
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+    foreach(tool azubsim lipsyncctl)
+        install(FILES ${manual_dir}/${tool}.bash RENAME ${tool}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+    endforeach()
+endif()
