@@ -17,18 +17,21 @@ namespace velta::zub::comms {
 /// The process must keep its standard input open: a link refuses descriptor 0 and aborts.
 class ZUBLIPSYNCAPI_EXPORT Client {
 public:
+    /// How connecting can end.
     enum class ResultCode : std::int32_t {
         Success = 20000,
         UnknownError = 20001,     ///< Not produced.
         ConnectionFailed = 20002, ///< Any failure; the message names the server, the cause why.
     };
 
+    /// The domain of these codes.
     struct ResultTrait {
-        using ResultCode = Client::ResultCode;
-        static constexpr ResultCode successCode = ResultCode::Success;
-        static const char* text(ResultCode code);
+        using ResultCode = Client::ResultCode;                         ///< The codes.
+        static constexpr ResultCode successCode = ResultCode::Success; ///< The one success.
+        static const char* text(ResultCode code); ///< The fixed text of a code.
     };
 
+    /// A code, and the chain of causes behind it.
     using Result = utilities::result::Result<ResultTrait>;
 
     /// Connects to the Unix-domain socket with the path `name`, of which only the first 108 bytes

@@ -17,6 +17,7 @@ namespace velta::zub::comms {
 /// by it when it writes to a peer that has gone.
 class ZUBLIPSYNCAPI_EXPORT Link {
 public:
+    /// How reading and writing can end.
     enum class ResultCode : std::int32_t {
         Success = 10000,
         UnknownError = 10001,    ///< Not produced.
@@ -27,12 +28,14 @@ public:
         InvalidArgument = 10006, ///< A null buffer or a size of 0; no system call was made.
     };
 
+    /// The domain of these codes.
     struct ResultTrait {
-        using ResultCode = Link::ResultCode;
-        static constexpr ResultCode successCode = ResultCode::Success;
-        static const char* text(ResultCode code);
+        using ResultCode = Link::ResultCode;                           ///< The codes.
+        static constexpr ResultCode successCode = ResultCode::Success; ///< The one success.
+        static const char* text(ResultCode code); ///< The fixed text of a code.
     };
 
+    /// A code, and the chain of causes behind it.
     using Result = utilities::result::Result<ResultTrait>;
 
     /// Takes over a connected descriptor, which must be greater than 0: any other aborts the

@@ -35,6 +35,7 @@ namespace velta::zub::lipsyncapi {
 /// disconnects and connects again.
 class ZUBLIPSYNCAPI_EXPORT Service {
 public:
+    /// How the calls of this class can end.
     enum class ResultCode : std::int32_t {
         Success = 1000,
         UnknownError = 1001,   ///< Not produced.
@@ -46,12 +47,14 @@ public:
         NotInCall = 1007,      ///< The engine is not in a call; the cause is its answer.
     };
 
+    /// The domain of these codes.
     struct ResultTrait {
-        using ResultCode = Service::ResultCode;
-        static constexpr ResultCode successCode = ResultCode::Success;
-        static const char* text(ResultCode code);
+        using ResultCode = Service::ResultCode;                        ///< The codes.
+        static constexpr ResultCode successCode = ResultCode::Success; ///< The one success.
+        static const char* text(ResultCode code); ///< The fixed text of a code.
     };
 
+    /// A code, and the chain of causes behind it.
     using Result = utilities::result::Result<ResultTrait>;
 
     /// Path of the engine's lip-sync socket.

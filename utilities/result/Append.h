@@ -66,6 +66,7 @@ struct Append<unsigned long> {
 /// A result of any domain becomes a cause.
 template <typename CauseTrait>
 struct Append<Result<CauseTrait>> {
+    /// Appends the formatted text of `cause`, which is "Success" for a success.
     template <typename Trait>
     static void run(Result<Trait>& target, const Result<CauseTrait>& cause) {
         if (!target.causes.empty()) {

@@ -20,6 +20,7 @@ inline constexpr const char* unreachableText = "Invalid error (Unreachable)";
 template <typename Trait>
 class Result {
 public:
+    /// The codes of the domain.
     using ResultCode = typename Trait::ResultCode;
 
     /// A result with this code and no texts. Implicit, so that an operation can return a code.
@@ -41,7 +42,10 @@ public:
         return value;
     }
 
+    /// Whether the code is the domain's success.
     bool isSuccess() const { return code == Trait::successCode; }
+
+    /// The opposite.
     bool isFailure() const { return !isSuccess(); }
 
     /// Appends text, a character or a number to `message`, or another result to `causes`. Changes
