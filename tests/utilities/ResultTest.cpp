@@ -4,17 +4,37 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <regex>
 
+#include "cmdfrmwrk/Command.h"
 #include "cmdfrmwrk/Peer.h"
+#include "comms/Client.h"
 #include "comms/Link.h"
+#include "comms/TextProtocol.h"
 #include "lipsyncapi/Service.h"
 #include "utilities/result/ErrnoTrait.h"
+#include "utilities/xmlserializer/ResultTrait.h"
 
 using velta::utilities::result::ErrnoTrait;
 using velta::utilities::result::Result;
+using velta::zub::cmdfrmwrk::Command;
 using velta::zub::cmdfrmwrk::Peer;
+using velta::zub::comms::Client;
 using velta::zub::comms::Link;
+using velta::zub::comms::TextProtocol;
 using velta::zub::lipsyncapi::Service;
+
+namespace {
+
+template <typename Trait>
+std::string text(int code) {
+    return Trait::text(static_cast<typename Trait::ResultCode>(code));
+}
+
+} // namespace
 
 TEST(Result, FormatsCodeMessageCausesAndTrailer) {
     Link::Result result(Link::ResultCode::IoError);
@@ -65,6 +85,31 @@ TEST(Result, SurvivesAssignmentToItself) {
     const Link::Result& same = result;
     result = same;
     EXPECT_EQ(result.format(), before);
+}
+
+TEST(Result, TextsAreThoseInTheDocumentation) {
+    const std::map<std::string, std::function<std::string(int)>> domains{
+        {"lipsyncapi::Service", text<Service::ResultTrait>},
+        {"cmdfrmwrk::Command", text<Command::ResultTrait>},
+        {"cmdfrmwrk::Peer", text<Peer::ResultTrait>},
+        {"xmlserializer", text<velta::utilities::xmlserializer::detail::ResultTrait>},
+        {"comms::Protocol", text<TextProtocol::ResultTrait>},
+        {"comms::Link", text<Link::ResultTrait>},
+        {"comms::Client", text<Client::ResultTrait>}};
+    std::ifstream document(DOCS "/results.md");
+    const std::regex row("\\| (\\d+) \\| ([^|]+) \\|.*");
+    std::string domain;
+    int rows = 0;
+    for (std::string line; std::getline(document, line);) {
+        std::smatch cells;
+        if (line.rfind("## ", 0) == 0) {
+            domain = line.substr(3);
+        } else if (std::regex_match(line, cells, row)) {
+            EXPECT_EQ(domains.at(domain)(std::stoi(cells[1])), cells[2]) << domain;
+            ++rows;
+        }
+    }
+    EXPECT_EQ(rows, 43);
 }
 
 TEST(Result, ConvertsBetweenDomains) {
