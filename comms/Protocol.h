@@ -27,20 +27,14 @@ public:
         static constexpr ResultCode successCode = ResultCode::Success;
         static const char* text(ResultCode code) {
             switch (code) {
-                case ResultCode::Success:
-                    return "Success";
-                case ResultCode::UnknownError:
-                    return "Unknown error";
-                case ResultCode::ProtocolError:
-                    return "Protocol error";
-                case ResultCode::LinkError:
-                    return "Link error";
-                case ResultCode::ProtocolClosed:
-                    return "Protocol is closed.";
+                case ResultCode::Success: return "Success";
+                case ResultCode::UnknownError: return "Unknown error";
+                case ResultCode::ProtocolError: return "Protocol error";
+                case ResultCode::LinkError: return "Link error";
+                case ResultCode::ProtocolClosed: return "Protocol is closed.";
                 case ResultCode::ProtocolClosedByDistant:
                     return "Protocol has been closed by distant";
-                case ResultCode::InternalError:
-                    return "Internal error";
+                case ResultCode::InternalError: return "Internal error";
             }
             return utilities::result::unreachableText;
         }

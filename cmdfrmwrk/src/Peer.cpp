@@ -4,18 +4,12 @@ namespace velta::zub::cmdfrmwrk {
 
 const char* Peer::ResultTrait::text(ResultCode code) {
     switch (code) {
-        case ResultCode::Success:
-            return "Success";
-        case ResultCode::UnknownError:
-            return "Unknown error";
-        case ResultCode::ProtocolError:
-            return "Protocol error";
-        case ResultCode::SerializerError:
-            return "Serializer error";
-        case ResultCode::ConnectionClosed:
-            return "Connection closed";
-        case ResultCode::ConnectionClosedByDistant:
-            return "Connection closed by distant";
+        case ResultCode::Success: return "Success";
+        case ResultCode::UnknownError: return "Unknown error";
+        case ResultCode::ProtocolError: return "Protocol error";
+        case ResultCode::SerializerError: return "Serializer error";
+        case ResultCode::ConnectionClosed: return "Connection closed";
+        case ResultCode::ConnectionClosedByDistant: return "Connection closed by distant";
     }
     return utilities::result::unreachableText;
 }
@@ -27,14 +21,11 @@ Peer::~Peer() = default;
 Peer::Result Peer::toPeerResult(const comms::TextProtocol::Result& result) {
     using ProtocolCode = comms::TextProtocol::ResultCode;
     switch (result.code) {
-        case ProtocolCode::Success:
-            return Result::success();
-        case ProtocolCode::ProtocolClosed:
-            return Result(ResultCode::ConnectionClosed) << result;
+        case ProtocolCode::Success: return Result::success();
+        case ProtocolCode::ProtocolClosed: return Result(ResultCode::ConnectionClosed) << result;
         case ProtocolCode::ProtocolClosedByDistant:
             return Result(ResultCode::ConnectionClosedByDistant) << result;
-        default:
-            return Result(ResultCode::ProtocolError) << result;
+        default: return Result(ResultCode::ProtocolError) << result;
     }
 }
 

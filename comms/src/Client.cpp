@@ -46,12 +46,9 @@ bool connectLink(Descriptor& descriptor, const Address& address, Link*& link) {
 
 const char* Client::ResultTrait::text(ResultCode code) {
     switch (code) {
-        case ResultCode::Success:
-            return "Success";
-        case ResultCode::UnknownError:
-            return "Unknown error";
-        case ResultCode::ConnectionFailed:
-            return "Connection has failed";
+        case ResultCode::Success: return "Success";
+        case ResultCode::UnknownError: return "Unknown error";
+        case ResultCode::ConnectionFailed: return "Connection has failed";
     }
     return utilities::result::unreachableText;
 }

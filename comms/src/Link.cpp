@@ -26,20 +26,13 @@ Link::Result ioError(int error) {
 
 const char* Link::ResultTrait::text(ResultCode code) {
     switch (code) {
-        case ResultCode::Success:
-            return "Success";
-        case ResultCode::UnknownError:
-            return "Unknown error";
-        case ResultCode::Closed:
-            return "Closed";
-        case ResultCode::ClosedByDistant:
-            return "Closed by distant";
-        case ResultCode::IoError:
-            return "I/O error";
-        case ResultCode::InternalError:
-            return "Internal error";
-        case ResultCode::InvalidArgument:
-            return "Invalid Argument(s)";
+        case ResultCode::Success: return "Success";
+        case ResultCode::UnknownError: return "Unknown error";
+        case ResultCode::Closed: return "Closed";
+        case ResultCode::ClosedByDistant: return "Closed by distant";
+        case ResultCode::IoError: return "I/O error";
+        case ResultCode::InternalError: return "Internal error";
+        case ResultCode::InvalidArgument: return "Invalid Argument(s)";
     }
     return utilities::result::unreachableText;
 }

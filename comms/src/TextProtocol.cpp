@@ -11,14 +11,12 @@ char receiveChunkBytes[512];
 TextProtocol::Result toProtocolResult(const Link::Result& result) {
     using ResultCode = TextProtocol::ResultCode;
     switch (result.code) {
-        case Link::ResultCode::Success:
-            return TextProtocol::Result::success();
+        case Link::ResultCode::Success: return TextProtocol::Result::success();
         case Link::ResultCode::Closed:
             return TextProtocol::Result(ResultCode::ProtocolClosed) << result;
         case Link::ResultCode::ClosedByDistant:
             return TextProtocol::Result(ResultCode::ProtocolClosedByDistant) << result;
-        default:
-            return TextProtocol::Result(ResultCode::LinkError) << result;
+        default: return TextProtocol::Result(ResultCode::LinkError) << result;
     }
 }
 

@@ -199,9 +199,7 @@ int main(int argc, char** argv) {
     char* rest = nullptr;
     for (int option; (option = getopt_long(argc, argv, "h", options, nullptr)) != -1;) {
         switch (option) {
-            case 's':
-                socket = optarg;
-                break;
+            case 's': socket = optarg; break;
             case 'n':
                 seconds = std::strtol(optarg, &rest, 10);
                 if (*rest != '\0' || seconds < 2 || seconds > 86400) {
@@ -209,12 +207,8 @@ int main(int argc, char** argv) {
                     return exitUsage;
                 }
                 break;
-            case 'h':
-                printUsage(stdout);
-                return EXIT_SUCCESS;
-            default:
-                printUsage(stderr);
-                return exitUsage;
+            case 'h': printUsage(stdout); return EXIT_SUCCESS;
+            default: printUsage(stderr); return exitUsage;
         }
     }
     if (optind != argc) {

@@ -60,22 +60,14 @@ const std::uint32_t Service::capabilityGranularityMs;
 
 const char* Service::ResultTrait::text(ResultCode code) {
     switch (code) {
-        case ResultCode::Success:
-            return "Success";
-        case ResultCode::UnknownError:
-            return "Unknown error";
-        case ResultCode::InvalidParam:
-            return "Invalid Param";
-        case ResultCode::BadState:
-            return "Bad state";
-        case ResultCode::CannotConnect:
-            return "Cannot connect to Audio ZUB";
-        case ResultCode::TransportError:
-            return "An error has occured in the transport layer";
-        case ResultCode::ServerError:
-            return "The lipsync server returned an error";
-        case ResultCode::NotInCall:
-            return "The AZUB is not performing a call";
+        case ResultCode::Success: return "Success";
+        case ResultCode::UnknownError: return "Unknown error";
+        case ResultCode::InvalidParam: return "Invalid Param";
+        case ResultCode::BadState: return "Bad state";
+        case ResultCode::CannotConnect: return "Cannot connect to Audio ZUB";
+        case ResultCode::TransportError: return "An error has occured in the transport layer";
+        case ResultCode::ServerError: return "The lipsync server returned an error";
+        case ResultCode::NotInCall: return "The AZUB is not performing a call";
     }
     return utilities::result::unreachableText;
 }

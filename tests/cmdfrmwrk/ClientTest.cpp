@@ -41,12 +41,6 @@ struct Exchange {
 
 } // namespace
 
-TEST(CommandClient, LeavesTheVerdictToTheCaller) {
-    Exchange exchange(tests::timestampsAnswer("1", "2", "3", "4", "1003", "no call"));
-    EXPECT_EQ(exchange.run(), "Success");
-    EXPECT_EQ(exchange.answer.result.format(), "Bad state (Code 1003): no call");
-}
-
 TEST(CommandClient, SendsNothingThatItCannotWrite) {
     Exchange exchange("");
     EXPECT_EQ(exchange.run<BrokenSerializer>(),

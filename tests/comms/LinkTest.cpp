@@ -133,15 +133,6 @@ TEST(Link, ClosingWakesABlockedRead) {
     closer.join();
 }
 
-TEST(Link, DestructionClosesTheDescriptor) {
-    const int before = tests::openDescriptors();
-    SocketPair pair;
-    { const Link link(pair.takeNear()); }
-    EXPECT_EQ(pair.receiveBytes(1), "");
-    pair.closeFar();
-    EXPECT_EQ(tests::openDescriptors(), before);
-}
-
 TEST(LinkDeathTest, RefusesDescriptorsThatAreNotPositive) {
     const std::string line =
         "F/VELTA comms/src/Link.cpp:40: Assertion fdLinkSocket > 0 failed: Invalid file descritpor";

@@ -1,17 +1,20 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <fstream>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <regex>
 
+#include "comms/Client.h"
 #include "lipsyncapi/Service.h"
 #include "tests/tools/Engine.h"
 
 using tests::Engine;
 using velta::zub::common::LipSyncNtpTimestamps;
+using velta::zub::comms::Client;
+using velta::zub::comms::Link;
 using velta::zub::lipsyncapi::Service;
 
 namespace {
@@ -27,6 +30,18 @@ std::string seen(const std::string& fault) {
     }
     output += reader.readFor(300);
     return reader.isRunning() ? "waits" : output;
+}
+
+// A client that asks twice and reads one answer.
+std::unique_ptr<Link> askTwice(const Engine& engine) {
+    Link* link = nullptr;
+    EXPECT_TRUE(Client::connectUnixServer(engine.socket().c_str(), link).isSuccess());
+    const std::string request = "<AZUB version=\"0.1.0\"><GetAudioTs_Request /></AZUB>\n\n";
+    EXPECT_TRUE(link->write((request + request).data(), 2 * request.size()).isSuccess());
+    char byte = 0;
+    std::size_t bytesRead = 0;
+    EXPECT_TRUE(link->read(&byte, 1, bytesRead).isSuccess());
+    return std::unique_ptr<Link>(link);
 }
 
 } // namespace
@@ -125,13 +140,8 @@ TEST(Faults, OfOneClientDoNotHoldUpAnother) {
     Engine engine({"--fault", "delay 60000", "--fault", "flood", "--every", "2"});
     // The first answer is good, the second delayed, the third good, the fourth floods a client
     // that does not read.
-    const tests::Connection slow(engine.socket());
-    const tests::Connection flooded(engine.socket());
-    const std::string request = "<AZUB version=\"0.1.0\"><GetAudioTs_Request /></AZUB>\n\n";
-    slow.send(request + request);
-    slow.receive();
-    flooded.send(request + request);
-    flooded.receive();
+    const std::unique_ptr<Link> slow = askTwice(engine);
+    const std::unique_ptr<Link> flooded = askTwice(engine);
     Service service;
     service.connect(engine.socket());
     LipSyncNtpTimestamps timestamps;

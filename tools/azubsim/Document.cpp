@@ -10,20 +10,11 @@ std::string escaped(const std::string& text) {
     std::string result;
     for (const char c : text) {
         switch (c) {
-            case '&':
-                result += "&amp;";
-                break;
-            case '<':
-                result += "&lt;";
-                break;
-            case '"':
-                result += "&quot;";
-                break;
-            case '>':
-                result += "&gt;";
-                break;
-            default:
-                result += c;
+            case '&': result += "&amp;"; break;
+            case '<': result += "&lt;"; break;
+            case '"': result += "&quot;"; break;
+            case '>': result += "&gt;"; break;
+            default: result += c;
         }
     }
     return result;

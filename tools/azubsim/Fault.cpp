@@ -122,20 +122,11 @@ void Fault::spoil(Verdict& verdict) const {
 
 void Fault::spoil(Document& document) const {
     switch (_kind) {
-        case Kind::Version:
-            document.version = _argument;
-            break;
-        case Kind::Element:
-            document.command.name = _argument;
-            break;
-        case Kind::Missing:
-            remove(document.command, _argument);
-            break;
-        case Kind::Number:
-            setNumbers(document.command, _argument);
-            break;
-        default:
-            break;
+        case Kind::Version: document.version = _argument; break;
+        case Kind::Element: document.command.name = _argument; break;
+        case Kind::Missing: remove(document.command, _argument); break;
+        case Kind::Number: setNumbers(document.command, _argument); break;
+        default: break;
     }
 }
 
@@ -144,40 +135,23 @@ Reply Fault::deliver(const std::string& document, std::size_t floodBytes) const 
     Reply reply = azubsim::deliver(document);
     std::string& bytes = reply.pieces.front().bytes;
     switch (_kind) {
-        case Kind::Cut:
-            bytes = document.substr(0, middle) + endMarker;
-            break;
-        case Kind::CloseBefore:
-            reply = {{}, Reply::End::Close};
-            break;
+        case Kind::Cut: bytes = document.substr(0, middle) + endMarker; break;
+        case Kind::CloseBefore: reply = {{}, Reply::End::Close}; break;
         case Kind::CloseMiddle:
             bytes.resize(middle);
             reply.end = Reply::End::Close;
             break;
-        case Kind::Split:
-            reply.pieces = split(std::string(bytes));
-            break;
-        case Kind::Double:
-            bytes += bytes;
-            break;
-        case Kind::Zero:
-            bytes.insert(middle, 1, '\0');
-            break;
-        case Kind::Silence:
-            reply.pieces.clear();
-            break;
-        case Kind::Delay:
-            reply.pieces.front().wait = std::chrono::milliseconds(_number);
-            break;
+        case Kind::Split: reply.pieces = split(std::string(bytes)); break;
+        case Kind::Double: bytes += bytes; break;
+        case Kind::Zero: bytes.insert(middle, 1, '\0'); break;
+        case Kind::Silence: reply.pieces.clear(); break;
+        case Kind::Delay: reply.pieces.front().wait = std::chrono::milliseconds(_number); break;
         case Kind::Flood:
             bytes.assign(floodBytes, 'x');
             reply.end = Reply::End::Close;
             break;
-        case Kind::Reset:
-            reply = {{}, Reply::End::Reset};
-            break;
-        default:
-            break;
+        case Kind::Reset: reply = {{}, Reply::End::Reset}; break;
+        default: break;
     }
     return reply;
 }

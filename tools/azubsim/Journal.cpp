@@ -17,12 +17,9 @@ double secondsSince1970() {
 
 const char* endName(Reply::End end) {
     switch (end) {
-        case Reply::End::Close:
-            return "close";
-        case Reply::End::Reset:
-            return "reset";
-        case Reply::End::Open:
-            break;
+        case Reply::End::Close: return "close";
+        case Reply::End::Reset: return "reset";
+        case Reply::End::Open: break;
     }
     return "open";
 }

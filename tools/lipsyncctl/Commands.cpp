@@ -145,18 +145,12 @@ int runCommand(const Options& options) {
     }
     Output output(options.format);
     switch (*options.command) {
-        case Command::Capabilities:
-            return printCapabilities(service, output);
-        case Command::MarginGet:
-            return printMargin(service, output);
-        case Command::MarginSet:
-            return setMargin(service, options, output);
-        case Command::Timestamps:
-            return printTimestamps(service, output);
-        case Command::Ping:
-            return ping(service, options, output);
-        case Command::SendVideo:
-            return sendVideo(service, options, output);
+        case Command::Capabilities: return printCapabilities(service, output);
+        case Command::MarginGet: return printMargin(service, output);
+        case Command::MarginSet: return setMargin(service, options, output);
+        case Command::Timestamps: return printTimestamps(service, output);
+        case Command::Ping: return ping(service, options, output);
+        case Command::SendVideo: return sendVideo(service, options, output);
     }
     return EXIT_FAILURE;
 }

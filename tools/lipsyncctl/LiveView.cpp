@@ -34,7 +34,11 @@ void drawBar(int cells, double share) {
 
 bool LiveView::isPossible() {
     int error = 0;
-    return isatty(STDOUT_FILENO) == 1 && setupterm(nullptr, STDOUT_FILENO, &error) == OK;
+    if (isatty(STDOUT_FILENO) != 1 || setupterm(nullptr, STDOUT_FILENO, &error) != OK) {
+        return false;
+    }
+    del_curterm(cur_term);
+    return true;
 }
 
 LiveView::LiveView(const std::string& socket) : _socket(socket) {

@@ -6,15 +6,9 @@ namespace lipsyncctl {
 
 void Output::print(const Record& record, const std::string& text) {
     switch (_format) {
-        case Format::Text:
-            std::cout << text << '\n';
-            break;
-        case Format::Json:
-            std::cout << record.dump() << '\n';
-            break;
-        case Format::Csv:
-            printCsv(record);
-            break;
+        case Format::Text: std::cout << text << '\n'; break;
+        case Format::Json: std::cout << record.dump() << '\n'; break;
+        case Format::Csv: printCsv(record); break;
     }
     std::cout.flush();
 }
