@@ -22,6 +22,16 @@ foreach(header ${public_headers})
         COMPONENT development)
 endforeach()
 
+# The licence goes with every part; TinyXML's, which is linked in, is named beside it.
+foreach(part libzublipsyncapi${PROJECT_VERSION_MAJOR}:runtime libzublipsyncapi-dev:development
+        zublipsync-tools:tools)
+    string(REPLACE ":" ";" part ${part})
+    list(GET part 0 package)
+    list(GET part 1 component)
+    install(FILES cmake/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
+        COMPONENT ${component})
+endforeach()
+
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zublipsyncapi)
 install(EXPORT zublipsyncapi NAMESPACE zublipsyncapi:: DESTINATION ${package_dir}
     FILE zublipsyncapi-config.cmake COMPONENT development)

@@ -21,7 +21,7 @@ public:
     enum class ResultCode : std::int32_t {
         Success = 20000,
         UnknownError = 20001,     ///< Not produced.
-        ConnectionFailed = 20002, ///< Any failure; the message names the server, the cause why.
+        ConnectionFailed = 20002, ///< Any failure; the cause says why.
     };
 
     /// The domain of these codes.
