@@ -22,12 +22,10 @@ foreach(header ${public_headers})
         COMPONENT development)
 endforeach()
 
-# The licence goes with every part; TinyXML's, which is linked in, is named beside it.
-foreach(part libzublipsyncapi${PROJECT_VERSION_MAJOR}:runtime libzublipsyncapi-dev:development
-        zublipsync-tools:tools)
-    string(REPLACE ":" ";" part ${part})
-    list(GET part 0 package)
-    list(GET part 1 component)
+# The licence goes with every package; TinyXML's, which is linked in, is named beside it.
+set(packages libzublipsyncapi${PROJECT_VERSION_MAJOR} libzublipsyncapi-dev zublipsync-tools)
+set(components runtime development tools)
+foreach(package component IN ZIP_LISTS packages components)
     install(FILES cmake/copyright DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${package}
         COMPONENT ${component})
 endforeach()
