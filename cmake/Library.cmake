@@ -11,6 +11,7 @@ add_library(zublipsyncapi_objects OBJECT
     log/src/LogWriter.cpp
     log/src/ThroughputLimit.cpp
     utilities/log/src/Assertion.cpp
+    utilities/xmlserializer/src/DocumentLimits.cpp
     utilities/xmlserializer/src/Envelope.cpp
     utilities/xmlserializer/src/ResultTrait.cpp
     utilities/xmlserializer/src/XmlTraitSerializer.cpp)

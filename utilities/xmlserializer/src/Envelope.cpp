@@ -1,5 +1,7 @@
 #include "utilities/xmlserializer/Envelope.h"
 
+#include "utilities/xmlserializer/DocumentLimits.h"
+
 namespace velta::utilities::xmlserializer::detail {
 
 namespace {
@@ -35,8 +37,11 @@ Result parseDocument(const std::string& text, const std::string& rootTag,
                      const std::string& version, TiXmlDocument& document,
                      const TiXmlElement*& command) {
     command = nullptr;
-    // Parser errors are not looked at: what tree there is decides.
-    document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+    const std::string padded = text + std::string(textPadding, '\0');
+    if (isWithin(answerLimits, padded)) {
+        // Parser errors are not looked at: what tree there is decides.
+        document.Parse(padded.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+    }
     const TiXmlElement* const root = document.FirstChildElement(rootTag.c_str());
     if (root == nullptr) {
         return failure() << "No '" << rootTag << "' root element found in xml data.";
