@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "utilities/serializer/Convertor.h"
 
@@ -14,7 +15,7 @@ struct CastConvertor {
     }
 
     /// Writes `value` only on success.
-    static bool fromString(const std::string& text, T& value) {
+    static bool fromString(std::string_view text, T& value) {
         Via via{};
         if (!Convertor<Via>::fromString(text, via)) {
             return false;

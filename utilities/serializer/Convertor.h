@@ -1,41 +1,56 @@
 #pragma once
 
-#include <locale>
-#include <sstream>
+#include <algorithm>
+#include <charconv>
+#include <limits>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 namespace velta::utilities::serializer {
 
-/// Converts a number to text and back. A number's text is bare: decimal, or hexadecimal behind
-/// "0x"; no white space; no minus sign for an unsigned type; nothing behind the digits.
+/// Converts an integer to text and back. A number's text is bare: decimal, or hexadecimal behind
+/// "0x"; no white space; no minus sign for an unsigned type; nothing behind the digits. A plus sign
+/// is allowed, and form feeds in front, as a stream allows them. The caller's locale has no say.
 template <typename T>
 struct Convertor {
+    static_assert(std::is_integral<T>::value, "a type of its own needs a convertor of its own");
+
     static bool toString(const T& value, std::string& text) {
-        std::ostringstream stream;
-        stream.imbue(std::locale::classic());
-        stream << value;
-        text = stream.str();
-        return !stream.fail();
+        // All digits, the one that digits10 does not count, and a sign.
+        char digits[std::numeric_limits<T>::digits10 + 2];
+        text.assign(digits, std::to_chars(digits, digits + sizeof(digits), value).ptr);
+        return true;
     }
 
     /// Writes `value` only on success.
-    static bool fromString(const std::string& text, T& value) {
-        if (text.find_first_of("\r\n\t\v ") != std::string::npos) {
+    static bool fromString(std::string_view text, T& value) {
+        if (text.find_first_of("\r\n\t\v ") != std::string_view::npos) {
             return false;
         }
-        // A stream takes "-1" for the largest unsigned value.
-        if (std::is_unsigned<T>::value && text.find('-') != std::string::npos) {
+        if (std::is_unsigned<T>::value && text.find('-') != std::string_view::npos) {
             return false;
         }
-        std::stringstream stream(text);
-        stream.imbue(std::locale::classic());
-        if (text.compare(0, 2, "0x") == 0) {
-            stream >> std::hex;
+        if (text.substr(0, 2) == "0x") {
+            return readUnsigned(text.substr(2), 16, value);
         }
+        text.remove_prefix(std::min(text.find_first_not_of('\f'), text.size()));
+        if (text.substr(0, 1) == "+") {
+            return readUnsigned(text.substr(1), 10, value);
+        }
+        return read(text, 10, value);
+    }
+
+private:
+    static bool readUnsigned(std::string_view text, int base, T& value) {
+        return text.substr(0, 1) != "-" && read(text, base, value);
+    }
+
+    static bool read(std::string_view text, int base, T& value) {
         T number{};
-        stream >> number;
-        if (stream.fail() || !stream.eof()) {
+        const char* const end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(text.data(), end, number, base);
+        if (error != std::errc() || stop != end) {
             return false;
         }
         value = number;
@@ -51,7 +66,7 @@ struct Convertor<std::string> {
         return true;
     }
 
-    static bool fromString(const std::string& text, std::string& value) {
+    static bool fromString(std::string_view text, std::string& value) {
         value = text;
         return true;
     }
