@@ -1,10 +1,10 @@
 #pragma once
 
-#include <locale>
-#include <sstream>
 #include <string>
+#include <string_view>
 
 #include "utilities/log/Level.h"
+#include "utilities/serializer/Convertor.h"
 
 namespace velta::zub::log {
 
@@ -13,18 +13,13 @@ namespace velta::zub::log {
 template <typename Logger>
 class ApiLog {
 public:
-    ApiLog() {
-        _inputParams.imbue(std::locale::classic());
-        _outputParams.imbue(std::locale::classic());
-    }
-
     template <typename T>
-    ApiLog& addInput(const std::string& name, const T& value) {
+    ApiLog& addInput(std::string_view name, const T& value) {
         return addParam(name, value, _inputParams);
     }
 
     template <typename T>
-    ApiLog& addOutput(const std::string& name, const T& value) {
+    ApiLog& addOutput(std::string_view name, const T& value) {
         return addParam(name, value, _outputParams);
     }
 
@@ -35,11 +30,15 @@ public:
         return *this;
     }
 
-    void event(const std::string& text) {
+    void event(std::string_view text) {
         typename Logger::Log::template Stream<utilities::details::Level::Info> line(Logger::tag);
         line << text;
-        appendParams(line, " with input params: ", _inputParams);
-        appendParams(line, " with output params: ", _outputParams);
+        if (!_inputParams.empty()) {
+            line << " with input params: " << _inputParams;
+        }
+        if (!_outputParams.empty()) {
+            line << " with output params: " << _outputParams;
+        }
         if (!_result.empty()) {
             line << " with result: " << _result;
         }
@@ -48,29 +47,20 @@ public:
 private:
     // A value of several lines stands in braces.
     template <typename T>
-    ApiLog& addParam(const std::string& name, const T& value, std::stringstream& params) {
-        std::ostringstream stream;
-        stream.imbue(std::locale::classic());
-        stream << value;
-        const std::string text = stream.str();
+    ApiLog& addParam(std::string_view name, const T& value, std::string& params) {
+        std::string text;
+        utilities::serializer::Convertor<T>::toString(value, text);
+        params += name;
         if (text.find('\n') == std::string::npos) {
-            params << name << '=' << text << ' ';
+            (params += '=').append(text) += ' ';
         } else {
-            params << name << "={\n" << text << "}\n";
+            (params += "={\n").append(text) += "}\n";
         }
         return *this;
     }
 
-    static void appendParams(std::ostream& line, const char* title,
-                             const std::stringstream& params) {
-        const std::string text = params.str();
-        if (!text.empty()) {
-            line << title << text;
-        }
-    }
-
-    std::stringstream _inputParams;
-    std::stringstream _outputParams;
+    std::string _inputParams;
+    std::string _outputParams;
     std::string _result;
 };
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <charconv>
 #include <cstdarg>
-#include <locale>
-#include <sstream>
+#include <cstddef>
+#include <limits>
 #include <string>
+#include <string_view>
 
 #include "utilities/TypeList.h"
 #include "utilities/log/AndroidLogTrait.h"
@@ -38,22 +40,40 @@ public:
         Head::template valog<level>(tag, format, args);
     }
 
-    /// Collects the text of one record and writes it on destruction, unless it is empty.
+    /// Collects the text of one record and writes it on destruction, unless it is empty. Without
+    /// memory for it the record is lost; that never shows in what the caller does.
     template <details::Level::Enum level>
-    class Stream : public std::ostringstream {
+    class Stream {
     public:
         /// `tag` must outlive the stream.
-        explicit Stream(const char* tag) : _tag(tag) { imbue(std::locale::classic()); }
+        explicit Stream(const char* tag) : _tag(tag) {}
 
-        // Without memory for it the record is lost; that must not end the process.
-        ~Stream() override {
-            try {
-                const std::string text = str();
-                if (!text.empty()) {
-                    log("%s", text.c_str());
-                }
-            } catch (...) {
+        ~Stream() {
+            if (!_isLost && !_text.empty()) {
+                log("%s", _text.c_str());
             }
+        }
+
+        Stream(const Stream&) = delete;
+        Stream& operator=(const Stream&) = delete;
+
+        Stream& operator<<(std::string_view text) noexcept {
+            try {
+                _text += text;
+            } catch (...) {
+                _isLost = true;
+            }
+            return *this;
+        }
+
+        Stream& operator<<(char character) noexcept {
+            return *this << std::string_view(&character, 1);
+        }
+
+        Stream& operator<<(int number) noexcept {
+            char digits[std::numeric_limits<int>::digits10 + 2];
+            const char* const end = std::to_chars(digits, digits + sizeof(digits), number).ptr;
+            return *this << std::string_view(digits, static_cast<std::size_t>(end - digits));
         }
 
         [[gnu::format(printf, 2, 3)]] void log(const char* format, ...) {
@@ -65,6 +85,8 @@ public:
 
     private:
         const char* _tag;
+        std::string _text;
+        bool _isLost = false;
     };
 };
 
