@@ -11,6 +11,7 @@
 #include "tests/support/EngineDouble.h"
 #include "tests/support/SystemCalls.h"
 
+using tests::Call;
 using tests::SystemCalls;
 using tests::TemporaryDirectory;
 using velta::zub::comms::Client;
@@ -54,8 +55,9 @@ TEST(CommsClient, NamesThePathAndTheErrno) {
 }
 
 TEST(CommsClient, ReadsTheErrnoAfterClosing) {
-    SystemCalls::errnoAfterClose = EIO;
+    SystemCalls::fail(Call::Close, 1, EIO);
     const std::string unixText = connectUnix("/nowhere");
+    SystemCalls::fail(Call::Close, 1, EIO);
     const std::string tcpText = connectTcp("127.0.0.1", 1);
     SystemCalls::reset();
     EXPECT_EQ(unixText,

@@ -12,6 +12,7 @@
 #include "tests/support/SocketPair.h"
 #include "tests/support/SystemCalls.h"
 
+using tests::Call;
 using tests::SocketPair;
 using tests::SystemCalls;
 using velta::zub::comms::Link;
@@ -65,7 +66,7 @@ TEST(Link, TellsWhoHasClosed) {
     SystemCalls::reset();
     closed.close();
     closed.close();
-    EXPECT_EQ(SystemCalls::shutdowns, 1);
+    EXPECT_EQ(SystemCalls::count(Call::Shutdown), 1);
     EXPECT_EQ(read(closed), "Closed (Code 10002)");
     EXPECT_EQ(write(closed, "x"), "Closed (Code 10002)");
 }
