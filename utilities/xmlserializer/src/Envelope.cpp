@@ -39,6 +39,8 @@ Result parseDocument(const std::string& text, const std::string& rootTag,
     command = nullptr;
     const std::string padded = text + std::string(textPadding, '\0');
     if (isWithin(answerLimits, padded)) {
+        // Nobody asks for lines and columns, and counting them takes another pass.
+        document.SetTabSize(0);
         // Parser errors are not looked at: what tree there is decides.
         document.Parse(padded.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
     }
