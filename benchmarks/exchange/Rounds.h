@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "benchmarks/exchange/Turn.h"
+
+namespace exchange {
+
+/// One contestant's costs, round by round.
+struct Series {
+    std::string name;
+    std::vector<Cost> costs;
+};
+
+/// Has all contestants take turns. Each round begins with another of them, so that none always
+/// comes behind the same one.
+std::vector<Series> playRounds(int rounds, int exchanges);
+
+} // namespace exchange

@@ -1,0 +1,1 @@
+// A shared library with nothing in it, for what loading any library costs.
