@@ -1,4 +1,5 @@
-// A document as both answers, and the limits of documents compared with what TinyXML reads.
+// A document as both answers, in plain form and from a tree, and the limits of documents compared
+// with what TinyXML reads.
 
 #include <tinyxml.h>
 
@@ -12,11 +13,37 @@
 namespace {
 
 using namespace velta::utilities::xmlserializer;
-using velta::zub::lipsync::GetAudioTs;
-using velta::zub::lipsync::Serializer;
-using velta::zub::lipsync::SetAudioDelay;
+using namespace velta::zub::lipsync;
 
 constexpr std::size_t plenty = 1'000'000;
+
+// A document that is read without a tree reads the same from a tree.
+template <typename Trait, typename Same>
+void comparePlain(const std::string& text, const Same& same) {
+    typename Trait::Type plain;
+    if (!detail::readPlainDocument<Trait>(text, "AZUB", "0.1.0", plain)) {
+        return;
+    }
+    TiXmlDocument document;
+    const TiXmlElement* command = nullptr;
+    fuzz::check(detail::parseDocument(text, "AZUB", "0.1.0", document, command).isSuccess(),
+                "a plain document parses");
+    typename Trait::Type answer;
+    fuzz::check(XmlTraitSerializer<Trait>::fromXml(*command, answer, Trait::tag).isSuccess(),
+                "a plain document can be read");
+    fuzz::check(plain.result.code == answer.result.code &&
+                    plain.result.message == answer.result.message &&
+                    plain.result.trailer == answer.result.trailer &&
+                    plain.result.causes == answer.result.causes && same(plain, answer),
+                "it reads the same");
+}
+
+bool sameTimestamps(const GetAudioTs::Answer& a, const GetAudioTs::Answer& b) {
+    return a.timestamps.audioCaptureTimestamp == b.timestamps.audioCaptureTimestamp &&
+           a.timestamps.audioRenderingTimestamp == b.timestamps.audioRenderingTimestamp &&
+           a.timestamps.audioReceivingTimestamp == b.timestamps.audioReceivingTimestamp &&
+           a.timestamps.jbmCurrentDepth == b.timestamps.jbmCurrentDepth;
+}
 
 template <typename Answer>
 void read(const std::string& text) {
@@ -68,6 +95,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     read<GetAudioTs::Answer>(text);
     read<SetAudioDelay::Answer>(text);
+    comparePlain<SerializationTraitGetAudioTsAnswer>(text, sameTimestamps);
+    comparePlain<SerializationTraitSetAudioDelayAnswer>(
+        text, [](const auto&, const auto&) { return true; });
     compareLimits(text);
     return 0;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -48,16 +49,22 @@ private:
     // A value of several lines stands in braces.
     template <typename T>
     ApiLog& addParam(std::string_view name, const T& value, std::string& params) {
-        std::string text;
-        utilities::serializer::Convertor<T>::toString(value, text);
-        params += name;
-        if (text.find('\n') == std::string::npos) {
-            (params += '=').append(text) += ' ';
+        if (params.empty()) {
+            params.reserve(usualLength);
+        }
+        (params += name) += '=';
+        const std::size_t start = params.size();
+        utilities::serializer::Convertor<T>::append(value, params);
+        if (params.find('\n', start) == std::string::npos) {
+            params += ' ';
         } else {
-            (params += "={\n").append(text) += "}\n";
+            params.insert(start, "{\n") += "}\n";
         }
         return *this;
     }
+
+    // Of the parameters of the longest call.
+    static constexpr std::size_t usualLength = 192;
 
     std::string _inputParams;
     std::string _outputParams;

@@ -59,6 +59,9 @@ public:
 
         Stream& operator<<(std::string_view text) noexcept {
             try {
+                if (_text.empty()) {
+                    _text.reserve(usualLength);
+                }
                 _text += text;
             } catch (...) {
                 _isLost = true;
@@ -84,6 +87,8 @@ public:
         }
 
     private:
+        static constexpr std::size_t usualLength = 256;
+
         const char* _tag;
         std::string _text;
         bool _isLost = false;

@@ -7,20 +7,49 @@
 
 namespace velta::utilities {
 
-/// Writes records to standard error, one line each: label, "/", tag, a blank, the text.
+/// Writes records to standard error, one line each: label, "/", tag, a blank, the text. A line of
+/// usual length is one write, so that lines of several threads do not mix.
 class StdIoLogTrait {
 public:
     template <details::Level::Enum level>
     [[gnu::format(printf, 2, 0)]] static void valog(const char* tag, const char* format,
                                                     va_list args) {
-        std::fprintf(stderr, "%s/%s ", label(level), tag);
-        std::vfprintf(stderr, format, args);
-        std::fputc('\n', stderr);
+        va_list copy;
+        va_copy(copy, args);
+        const bool isWritten = writeAtOnce(label(level), tag, format, copy);
+        va_end(copy);
+        if (!isWritten) {
+            std::fprintf(stderr, "%s/%s ", label(level), tag);
+            std::vfprintf(stderr, format, args);
+            std::fputc('\n', stderr);
+        }
     }
 
 private:
     static constexpr const char* label(details::Level::Enum level) {
         return level == details::Level::Fatal ? "F" : "I";
+    }
+
+    // Writes nothing if the line is longer than its buffer.
+    [[gnu::format(printf, 3, 0)]] static bool writeAtOnce(const char* label, const char* tag,
+                                                          const char* format, va_list args) {
+        char line[1024];
+        const auto fits = [&](int end) {
+            return end >= 0 && static_cast<std::size_t>(end) < sizeof(line);
+        };
+        const int start = std::snprintf(line, sizeof(line), "%s/%s ", label, tag);
+        if (!fits(start)) {
+            return false;
+        }
+        const auto begin = static_cast<std::size_t>(start);
+        const int length = std::vsnprintf(line + begin, sizeof(line) - begin, format, args);
+        if (length < 0 || !fits(start + length)) {
+            return false;
+        }
+        const auto end = begin + static_cast<std::size_t>(length);
+        line[end] = '\n';
+        std::fwrite(line, 1, end + 1, stderr);
+        return true;
     }
 };
 

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <type_traits>
 
 namespace velta::utilities::serializer {
@@ -17,20 +18,19 @@ struct Convertor {
     static_assert(std::is_integral<T>::value, "a type of its own needs a convertor of its own");
 
     static bool toString(const T& value, std::string& text) {
+        text.clear();
+        append(value, text);
+        return true;
+    }
+
+    static void append(const T& value, std::string& text) {
         // All digits, the one that digits10 does not count, and a sign.
         char digits[std::numeric_limits<T>::digits10 + 2];
-        text.assign(digits, std::to_chars(digits, digits + sizeof(digits), value).ptr);
-        return true;
+        text.append(digits, std::to_chars(digits, digits + sizeof(digits), value).ptr);
     }
 
     /// Writes `value` only on success.
     static bool fromString(std::string_view text, T& value) {
-        if (text.find_first_of("\r\n\t\v ") != std::string_view::npos) {
-            return false;
-        }
-        if (std::is_unsigned<T>::value && text.find('-') != std::string_view::npos) {
-            return false;
-        }
         if (text.substr(0, 2) == "0x") {
             return readUnsigned(text.substr(2), 16, value);
         }
@@ -42,6 +42,7 @@ struct Convertor {
     }
 
 private:
+    // A minus sign is left only for the plain form, and there for signed types.
     static bool readUnsigned(std::string_view text, int base, T& value) {
         return text.substr(0, 1) != "-" && read(text, base, value);
     }
@@ -65,6 +66,8 @@ struct Convertor<std::string> {
         text = value;
         return true;
     }
+
+    static void append(const std::string& value, std::string& text) { text += value; }
 
     static bool fromString(std::string_view text, std::string& value) {
         value = text;

@@ -9,6 +9,7 @@
 
 #include "utilities/TypeList.h"
 #include "utilities/xmlserializer/Envelope.h"
+#include "utilities/xmlserializer/PlainReader.h"
 #include "utilities/xmlserializer/ResultTrait.h"
 #include "utilities/xmlserializer/XmlTraitSerializer.h"
 
@@ -50,6 +51,9 @@ public:
     template <typename Answer>
     Result deserialize(const std::string& text, Answer& answer) const {
         using Trait = typename detail::TraitOf<Traits, Answer>::Head;
+        if (detail::readPlainDocument<Trait>(text, rootTag, version, answer)) {
+            return Result::success();
+        }
         TiXmlDocument document;
         const TiXmlElement* command = nullptr;
         Result result = detail::parseDocument(text, rootTag, version, document, command);

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <string_view>
+#include <utility>
+
+#include "utilities/TypeList.h"
+#include "utilities/serializer/NamedTextTrait.h"
+#include "utilities/xmlserializer/PlainText.h"
+
+namespace velta::utilities::xmlserializer::detail {
+
+/// Reads the value of a trait from a document in plain form: as the engine prints it, with the
+/// children in the trait's order, without white space, comments and entities. No tree is built,
+/// which is most of what reading an answer costs otherwise.
+///
+/// Returns false for everything else, be it right or wrong, and leaves it to TinyXML; the value
+/// may be filled in part then. What is read here reads the same there.
+template <typename Trait>
+struct PlainReader;
+
+template <typename Record, typename Children>
+struct PlainChildren;
+
+template <typename Record>
+struct PlainChildren<Record, utilities::detail::TypeNull> {
+    static bool read(PlainText&, Record&) { return true; }
+};
+
+template <typename Record, typename Child, typename Others>
+struct PlainChildren<Record, TypeList<Child, Others>> {
+    static bool read(PlainText& document, Record& record) {
+        auto value = Child::Trait::initialValue();
+        if (!PlainReader<typename Child::Trait>::read(document, value)) {
+            return false;
+        }
+        Child::set(record, value);
+        return PlainChildren<Record, Others>::read(document, record);
+    }
+};
+
+template <typename Trait>
+struct PlainReader {
+    using Record = typename Trait::Type;
+
+    static bool read(PlainText& document, Record& record) {
+        return document.skipStart(Trait::tag) &&
+               PlainChildren<Record, typename Trait::Children>::read(document, record) &&
+               document.skipEnd(Trait::tag);
+    }
+};
+
+template <typename T, const char* const* elementName, bool emptyTextAllowed, typename Convertor>
+struct PlainReader<serializer::NamedTextTrait<T, elementName, emptyTextAllowed, Convertor>> {
+    static bool read(PlainText& document, T& value) {
+        if (emptyTextAllowed && document.skipEmpty(*elementName)) {
+            value = T{};
+            return true;
+        }
+        std::string_view text;
+        return document.skipStart(*elementName) && document.readText(text) &&
+               Convertor::fromString(text, value) && document.skipEnd(*elementName);
+    }
+};
+
+/// Reads a whole document. `answer` is filled completely or not at all.
+template <typename Trait>
+bool readPlainDocument(std::string_view text, std::string_view rootTag, std::string_view version,
+                       typename Trait::Type& answer) {
+    PlainText document(text);
+    typename Trait::Type read;
+    const bool isPlain = document.skip("<?xml version=\"1.0\" ?><") && document.skip(rootTag) &&
+                         document.skip(" version=\"") && document.skip(version) &&
+                         document.skip("\">") && PlainReader<Trait>::read(document, read) &&
+                         document.skipEnd(rootTag) && document.isAtEnd();
+    if (isPlain) {
+        answer = std::move(read);
+    }
+    return isPlain;
+}
+
+} // namespace velta::utilities::xmlserializer::detail
