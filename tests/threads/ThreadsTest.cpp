@@ -29,6 +29,7 @@ constexpr int threadCount = 8;
 void inThreads(const std::function<void(int)>& body) {
     std::atomic<int> waiting{threadCount};
     std::vector<std::thread> threads;
+    threads.reserve(threadCount);
     for (int i = 0; i < threadCount; ++i) {
         threads.emplace_back([&, i] {
             --waiting;
