@@ -19,22 +19,22 @@ template <typename Trait>
 struct PlainReader;
 
 template <typename Record, typename Children>
-struct PlainChildren;
+struct PlainChildrenReader;
 
 template <typename Record>
-struct PlainChildren<Record, utilities::detail::TypeNull> {
+struct PlainChildrenReader<Record, utilities::detail::TypeNull> {
     static bool read(PlainText&, Record&) { return true; }
 };
 
 template <typename Record, typename Child, typename Others>
-struct PlainChildren<Record, TypeList<Child, Others>> {
+struct PlainChildrenReader<Record, TypeList<Child, Others>> {
     static bool read(PlainText& document, Record& record) {
         auto value = Child::Trait::initialValue();
         if (!PlainReader<typename Child::Trait>::read(document, value)) {
             return false;
         }
         Child::set(record, value);
-        return PlainChildren<Record, Others>::read(document, record);
+        return PlainChildrenReader<Record, Others>::read(document, record);
     }
 };
 
@@ -44,7 +44,7 @@ struct PlainReader {
 
     static bool read(PlainText& document, Record& record) {
         return document.skipStart(Trait::tag) &&
-               PlainChildren<Record, typename Trait::Children>::read(document, record) &&
+               PlainChildrenReader<Record, typename Trait::Children>::read(document, record) &&
                document.skipEnd(Trait::tag);
     }
 };

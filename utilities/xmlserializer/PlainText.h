@@ -4,6 +4,10 @@
 
 namespace velta::utilities::xmlserializer::detail {
 
+/// Whether text stands for itself in a document: printable ASCII without the characters that
+/// TinyXML escapes.
+bool isPlain(std::string_view text);
+
 /// What has not been read yet of a document in plain form. Every function returns whether the
 /// document goes on as asked, and has read that part then.
 class PlainText {
@@ -11,19 +15,21 @@ public:
     explicit PlainText(std::string_view document) : _rest(document) {}
 
     bool skip(std::string_view expected);
-    bool skipStart(std::string_view tag) { return skip("<") && skip(tag) && skip(">"); }
-    bool skipEnd(std::string_view tag) { return skip("</") && skip(tag) && skip(">"); }
+    bool skipStart(std::string_view tag) { return skip("<", tag, ">"); }
+    bool skipEnd(std::string_view tag) { return skip("</", tag, ">"); }
 
     /// An element without content.
-    bool skipEmpty(std::string_view tag);
+    bool skipEmpty(std::string_view tag) { return skip("<", tag, " />"); }
 
-    /// Text up to the next tag that means itself to TinyXML too: printable ASCII without entities,
-    /// and not all blank. `text` lives as long as the document.
+    /// Plain text up to the next tag, and not all blank, which TinyXML drops. `text` lives as long
+    /// as the document.
     bool readText(std::string_view& text);
 
     bool isAtEnd() const { return _rest.empty(); }
 
 private:
+    bool skip(std::string_view before, std::string_view tag, std::string_view after);
+
     std::string_view _rest;
 };
 
