@@ -1,5 +1,6 @@
 #include "tools/azubsim/Options.h"
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "tools/azubsim/Help.h"

@@ -1,5 +1,6 @@
 #include "tools/lipsyncctl/Options.h"
 
+#include <CLI/CLI.hpp>
 #include <map>
 #include <memory>
 

@@ -1,5 +1,6 @@
 #include "tools/manual/Manual.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
 #include <vector>
