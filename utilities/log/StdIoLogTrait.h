@@ -1,7 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
+#include <iterator>
+#include <string_view>
 
 #include "utilities/log/Level.h"
 
@@ -34,21 +38,22 @@ private:
     [[gnu::format(printf, 3, 0)]] static bool writeAtOnce(const char* label, const char* tag,
                                                           const char* format, va_list args) {
         char line[1024];
-        const auto fits = [&](int end) {
-            return end >= 0 && static_cast<std::size_t>(end) < sizeof(line);
-        };
-        const int start = std::snprintf(line, sizeof(line), "%s/%s ", label, tag);
-        if (!fits(start)) {
+        char* const limit = std::end(line);
+        char* end = line;
+        for (const std::string_view piece : {label, "/", tag, " "}) {
+            if (piece.size() >= static_cast<std::size_t>(limit - end)) {
+                return false;
+            }
+            end = std::copy(piece.begin(), piece.end(), end);
+        }
+        const auto room = static_cast<std::size_t>(limit - end);
+        const int length = std::vsnprintf(end, room, format, args);
+        if (length < 0 || static_cast<std::size_t>(length) >= room) {
             return false;
         }
-        const auto begin = static_cast<std::size_t>(start);
-        const int length = std::vsnprintf(line + begin, sizeof(line) - begin, format, args);
-        if (length < 0 || !fits(start + length)) {
-            return false;
-        }
-        const auto end = begin + static_cast<std::size_t>(length);
-        line[end] = '\n';
-        std::fwrite(line, 1, end + 1, stderr);
+        end += length;
+        *end++ = '\n';
+        std::fwrite(line, 1, static_cast<std::size_t>(end - line), stderr);
         return true;
     }
 };

@@ -14,7 +14,13 @@ class PlainText {
 public:
     explicit PlainText(std::string_view document) : _rest(document) {}
 
-    bool skip(std::string_view expected);
+    bool skip(std::string_view expected) {
+        if (_rest.substr(0, expected.size()) != expected) {
+            return false;
+        }
+        _rest.remove_prefix(expected.size());
+        return true;
+    }
     bool skipStart(std::string_view tag) { return skip("<", tag, ">"); }
     bool skipEnd(std::string_view tag) { return skip("</", tag, ">"); }
 
@@ -28,7 +34,15 @@ public:
     bool isAtEnd() const { return _rest.empty(); }
 
 private:
-    bool skip(std::string_view before, std::string_view tag, std::string_view after);
+    // All of it or nothing.
+    bool skip(std::string_view before, std::string_view tag, std::string_view after) {
+        PlainText rest(*this);
+        if (!rest.skip(before) || !rest.skip(tag) || !rest.skip(after)) {
+            return false;
+        }
+        *this = rest;
+        return true;
+    }
 
     std::string_view _rest;
 };
