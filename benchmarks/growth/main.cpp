@@ -56,11 +56,14 @@ double now() {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
+// The entity in it keeps an answer from being read without a tree, which costs less.
+const std::string entity = "&amp;";
+
 std::string answerWith(const std::string& message) {
-    return tests::timestampsAnswer("917", "958", "934", "60", "1000", message);
+    return tests::timestampsAnswer("917", "958", "934", "60", "1000", entity + message);
 }
 
-// What of a document of `size` bytes is its message's.
+// What of a document of `size` bytes is its message's, behind the entity.
 std::size_t messageSize(std::size_t size) {
     return size - (answerWith("").size() - TextProtocol::endMessageMarker.size());
 }
@@ -84,7 +87,7 @@ void deserialize(const std::string& text, double& seconds) {
     const bool isRead = Serializer().deserialize(text, answer).isSuccess();
     seconds = std::min(seconds, now() - start);
     check(isRead && answer.timestamps.jbmCurrentDepth == 60 &&
-              answer.result.message.size() == messageSize(text.size()),
+              answer.result.message.size() == 1 + messageSize(text.size()),
           "the answer is read");
 }
 

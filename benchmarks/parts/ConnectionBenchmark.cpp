@@ -7,40 +7,19 @@
 
 #include <memory>
 
+#include "benchmarks/parts/Listener.h"
 #include "benchmarks/parts/Measure.h"
-#include "benchmarks/parts/Silence.h"
 #include "comms/Client.h"
 #include "lipsyncapi/Service.h"
-#include "tests/support/EngineDouble.h"
+#include "tests/support/Silence.h"
 
 namespace {
 
+using benchmarks::Listener;
 using benchmarks::measure;
 using velta::zub::comms::Client;
 using velta::zub::comms::Link;
 using velta::zub::lipsyncapi::Service;
-
-class Listener {
-public:
-    Listener() : _path(_directory.path() + "/engine"), _socket(tests::listenAt(_path)) {}
-    ~Listener() { close(_socket); }
-
-    Listener(const Listener&) = delete;
-    Listener& operator=(const Listener&) = delete;
-
-    const std::string& path() const { return _path; }
-
-    /// The far end of the next connection goes. Whether there was one.
-    bool drop() const {
-        const int far = accept(_socket, nullptr, nullptr);
-        return far >= 0 && close(far) == 0;
-    }
-
-private:
-    const tests::TemporaryDirectory _directory;
-    const std::string _path;
-    const int _socket;
-};
 
 bool connectAndClose(const Listener& listener) {
     sockaddr_un address{};
@@ -71,7 +50,7 @@ BENCHMARK(connectLink);
 
 // With two log lines.
 void connectService(benchmark::State& state) {
-    const benchmarks::Silence silence;
+    const tests::Silence silence;
     const Listener listener;
     Service service;
     measure(state, [&] {

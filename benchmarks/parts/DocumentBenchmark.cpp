@@ -40,18 +40,22 @@ void serializeSetAudioDelay(benchmark::State& state) {
 }
 BENCHMARK(serializeSetAudioDelay);
 
-void deserializeGetAudioTs(benchmark::State& state) {
+void deserializeGetAudioTs(benchmark::State& state, const std::string& message) {
     const std::string text = tests::timestampsAnswer("16963814587331346432", "16963814588104458240",
-                                                     "16963814587674943488", "60");
-    deserialize<GetAudioTs::Answer>(state, text, [](const GetAudioTs::Answer& answer) {
-        return answer.timestamps.audioCaptureTimestamp == 16963814587331346432UL &&
-               answer.timestamps.jbmCurrentDepth == 60;
-    });
+                                                     "16963814587674943488", "60", "1000", message);
+    deserialize<GetAudioTs::Answer>(
+        state, text.substr(0, text.size() - 2), [](const GetAudioTs::Answer& answer) {
+            return answer.timestamps.audioCaptureTimestamp == 16963814587331346432UL &&
+                   answer.timestamps.jbmCurrentDepth == 60;
+        });
 }
-BENCHMARK(deserializeGetAudioTs);
+BENCHMARK_CAPTURE(deserializeGetAudioTs, plain, "");
+// An entity is left to TinyXML.
+BENCHMARK_CAPTURE(deserializeGetAudioTs, byTree, "&amp;");
 
 void deserializeSetAudioDelay(benchmark::State& state) {
-    deserialize<SetAudioDelay::Answer>(state, tests::delayAnswer("1000"),
+    const std::string text = tests::delayAnswer("1000");
+    deserialize<SetAudioDelay::Answer>(state, text.substr(0, text.size() - 2),
                                        [](const SetAudioDelay::Answer&) { return true; });
 }
 BENCHMARK(deserializeSetAudioDelay);

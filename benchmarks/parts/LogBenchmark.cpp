@@ -2,12 +2,12 @@
 #include <cstdint>
 
 #include "benchmarks/parts/Measure.h"
-#include "benchmarks/parts/Silence.h"
 #include "lipsyncapi/ApiLog.h"
 #include "lipsyncapi/Logger.h"
 #include "lipsyncapi/Service.h"
 #include "log/LogWriter.h"
 #include "log/ThroughputLimit.h"
+#include "tests/support/Silence.h"
 
 namespace {
 
@@ -58,7 +58,7 @@ BENCHMARK(makeLogLine);
 
 // Through the library's own outputs, the platform's writer being replaced below.
 void makeAndWriteLogLine(benchmark::State& state) {
-    const benchmarks::Silence silence;
+    const tests::Silence silence;
     measure(state, [] {
         const unsigned long before = platformRecords;
         writeLine<velta::zub::lipsyncapi::Logger>();

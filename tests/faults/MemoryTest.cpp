@@ -7,6 +7,8 @@
 #include <new>
 #include <utility>
 
+#include "comms/Link.h"
+#include "lipsyncapi/Service.h"
 #include "tests/faults/Operation.h"
 
 using tests::MemoryWatch;
@@ -58,6 +60,19 @@ TEST(MemoryFaults, TheLibraryTakesItsMemoryFromOperatorNew) {
     EXPECT_EQ(std::system((imports + "_Znwm").c_str()), 0);
     const char* const others = "'.*alloc|posix_memalign|strn?dup|_Zn[aw]mSt11align_val_t'";
     EXPECT_NE(std::system((imports + others).c_str()), 0);
+}
+
+TEST(MemoryFaults, ASuccessTakesNoMemory) {
+    using velta::zub::comms::Link;
+    using velta::zub::lipsyncapi::Service;
+    const Link::Result cause = Link::Result::success();
+    const MemoryWatch watch;
+    const long before = MemoryWatch::usage().allocations;
+    const Service::Result translated(cause, Service::ResultCode::TransportError,
+                                     Service::ResultCode::Success);
+    const Service::Result copy = translated;
+    EXPECT_EQ(copy.format(), Service::Result::success().format());
+    EXPECT_EQ(MemoryWatch::usage().allocations, before);
 }
 
 TEST(MemoryFaults, EveryFailingAllocationEndsTheCallAndNothingIsLost) {

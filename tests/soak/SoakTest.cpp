@@ -1,6 +1,5 @@
 // A pipeline that runs for long against an engine that often misbehaves.
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -16,6 +15,7 @@
 #include <vector>
 
 #include "lipsyncapi/Service.h"
+#include "tests/support/Silence.h"
 #include "tests/support/SystemCalls.h"
 #include "tests/tools/Engine.h"
 
@@ -118,26 +118,6 @@ std::size_t countUnexplained(const Connections& seen, const Connections& answers
     return unexplained;
 }
 
-// Log lines go nowhere meanwhile.
-class Silence {
-public:
-    Silence() : _standardError(dup(STDERR_FILENO)) {
-        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        dup2(nowhere, STDERR_FILENO);
-        close(nowhere);
-    }
-    ~Silence() {
-        dup2(_standardError, STDERR_FILENO);
-        close(_standardError);
-    }
-
-    Silence(const Silence&) = delete;
-    Silence& operator=(const Silence&) = delete;
-
-private:
-    int _standardError;
-};
-
 class Pipeline {
 public:
     // Memory for what will be seen is taken here, and not while memory is measured.
@@ -213,7 +193,7 @@ TEST(Soak, EveryOutcomeOfTenThousandExchangesIsExplainedAndNothingGrows) {
     auto engine = std::make_unique<Engine>(options);
     Pipeline pipeline(engine->socket(), exchanges);
     {
-        const Silence silence;
+        const tests::Silence silence;
         pipeline.run(exchanges / 10);
         const int descriptors = tests::openDescriptors();
         const std::size_t memory = mallinfo2().uordblks;
@@ -239,7 +219,7 @@ TEST(Soak, EveryOutcomeOfTenThousandExchangesIsExplainedAndNothingGrows) {
 
 TEST(Soak, AWaitEndsWithTheEngine) {
     std::signal(SIGPIPE, SIG_IGN);
-    const Silence silence;
+    const tests::Silence silence;
     Service service;
     int descriptors = 0;
     for (int round = 0; round < 20; ++round) {

@@ -14,7 +14,7 @@ namespace tests {
 namespace {
 
 std::string element(const std::string& name, const std::string& content) {
-    return '<' + name + '>' + content + "</" + name + '>';
+    return content.empty() ? '<' + name + " />" : '<' + name + '>' + content + "</" + name + '>';
 }
 
 std::string result(const std::string& code, const std::string& message) {

@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace benchmarks {
+namespace tests {
 
 /// While it lives, standard error goes nowhere, and the library's log lines with it.
 class Silence {
@@ -26,4 +26,4 @@ private:
     int _standardError;
 };
 
-} // namespace benchmarks
+} // namespace tests

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <string>
+
+#include "tests/support/EngineDouble.h"
+
+namespace benchmarks {
+
+/// A listening socket, whose connections are served in the thread that makes them.
+class Listener {
+public:
+    Listener() : _path(_directory.path() + "/engine"), _socket(tests::listenAt(_path)) {}
+    ~Listener() { close(_socket); }
+
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    const std::string& path() const { return _path; }
+
+    /// The far end of the next connection, or a negative number. The caller closes it.
+    int far() const { return accept(_socket, nullptr, nullptr); }
+
+    /// The far end of the next connection goes. Whether there was one.
+    bool drop() const {
+        const int end = far();
+        return end >= 0 && close(end) == 0;
+    }
+
+private:
+    const tests::TemporaryDirectory _directory;
+    const std::string _path;
+    const int _socket;
+};
+
+} // namespace benchmarks
