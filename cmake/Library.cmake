@@ -13,7 +13,7 @@ add_library(zublipsyncapi_objects OBJECT
     utilities/log/src/Assertion.cpp
     utilities/xmlserializer/src/DocumentLimits.cpp
     utilities/xmlserializer/src/Envelope.cpp
-    utilities/xmlserializer/src/PlainText.cpp
+    utilities/xmlserializer/src/PlainCursor.cpp
     utilities/xmlserializer/src/ResultTrait.cpp
     utilities/xmlserializer/src/XmlTraitSerializer.cpp)
 set_target_properties(zublipsyncapi_objects PROPERTIES

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "utilities/serializer/Convertor.h"
 #include "utilities/xmlserializer/XmlSerializer.h"
 
 namespace velta::zub::cmdfrmwrk {
@@ -18,12 +17,8 @@ private:
         constexpr unsigned int majorVersion = 0;
         constexpr unsigned int minorVersion = 1;
         constexpr unsigned int patchVersion = 0;
-        std::string text;
-        for (const unsigned int number : {majorVersion, minorVersion, patchVersion}) {
-            text += text.empty() ? "" : ".";
-            utilities::serializer::Convertor<unsigned int>::append(number, text);
-        }
-        return text;
+        return std::to_string(majorVersion) + '.' + std::to_string(minorVersion) + '.' +
+               std::to_string(patchVersion);
     }
 };
 

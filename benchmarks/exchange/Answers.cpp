@@ -6,7 +6,7 @@ namespace {
 
 constexpr std::uint64_t second = std::uint64_t{1} << 32;
 
-// An afternoon of 2025, a frame of 20 ms each time; all have as many digits as the first.
+// A morning of 2025, a frame of 20 ms each time; all have as many digits as the first.
 constexpr std::uint64_t firstCapture = 3'960'000'000 * second;
 
 using Table = std::array<Values, answerCount>;

@@ -5,7 +5,7 @@
 namespace exchange {
 
 void declareOptions(CLI::App& app, Options& options) {
-    app.name("bench_exchange");
+    app.name("exchange_benchmark");
     app.description(
         "Measures what one getAudioTimestamps costs: the plain bytes (floor), the library with its "
         "log in a file in memory, the library with its log discarded (library-silent), and the "

@@ -16,10 +16,12 @@ int warmUpFor(int exchanges) {
     return exchanges / 5 + 1;
 }
 
-void playRound(Contestants& contestants, std::size_t first, int exchanges,
+void playRound(Contestants& contestants, std::size_t round, int exchanges,
                std::vector<Series>& series) {
-    for (std::size_t i = 0; i < contestants.size(); ++i) {
-        const std::size_t turn = (first + i) % contestants.size();
+    const std::size_t count = contestants.size();
+    const bool isReversed = round / count % 2 == 1;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t turn = (round + (isReversed ? count - i : i)) % count;
         series[turn].costs.push_back(takeTurn(*contestants[turn], warmUpFor(exchanges), exchanges));
     }
 }

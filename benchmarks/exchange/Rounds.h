@@ -13,8 +13,8 @@ struct Series {
     std::vector<Cost> costs;
 };
 
-/// Has all contestants take turns. Each round begins with another of them, so that none always
-/// comes behind the same one.
+/// Has all contestants take turns. Each round begins with another of them, and after each has begun
+/// once the order is reversed, so that none always comes behind the same one.
 std::vector<Series> playRounds(int rounds, int exchanges);
 
 } // namespace exchange

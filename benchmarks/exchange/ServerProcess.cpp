@@ -1,14 +1,12 @@
 #include "benchmarks/exchange/ServerProcess.h"
 
 #include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
-#include <cstring>
+#include <cstdlib>
 #include <system_error>
 
 namespace exchange {
@@ -22,24 +20,6 @@ int checked(int result, const char* what) {
     return result;
 }
 
-std::string makeDirectory() {
-    char path[] = "/tmp/bench_exchange.XXXXXX";
-    if (mkdtemp(path) == nullptr) {
-        throw std::system_error(errno, std::generic_category(), path);
-    }
-    return path;
-}
-
-int listenAt(const std::string& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
-    const int fd = checked(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
-    checked(bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), "bind");
-    checked(listen(fd, 1), "listen");
-    return fd;
-}
-
 [[noreturn]] void become(const char* protocol, int listener) {
     prctl(PR_SET_PDEATHSIG, SIGTERM);
     dup2(listener, STDIN_FILENO);
@@ -51,9 +31,8 @@ int listenAt(const std::string& path) {
 
 } // namespace
 
-ServerProcess::ServerProcess(const char* protocol)
-    : _directory(makeDirectory()), _path(_directory + "/socket") {
-    const int listener = listenAt(_path);
+ServerProcess::ServerProcess(const char* protocol) : _path(_directory.path() + "/socket") {
+    const int listener = tests::listenAt(_path);
     _process = checked(fork(), "fork");
     if (_process == 0) {
         become(protocol, listener);
@@ -64,8 +43,6 @@ ServerProcess::ServerProcess(const char* protocol)
 ServerProcess::~ServerProcess() {
     kill(_process, SIGTERM);
     waitpid(_process, nullptr, 0);
-    unlink(_path.c_str());
-    rmdir(_directory.c_str());
 }
 
 } // namespace exchange

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "tests/support/EngineDouble.h"
+
 namespace exchange {
 
 /// A server process for one connection. It runs where this process runs when it is started: on the
@@ -21,7 +23,7 @@ public:
     const std::string& path() const { return _path; }
 
 private:
-    std::string _directory;
+    tests::TemporaryDirectory _directory;
     std::string _path;
     pid_t _process;
 };

@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& e) {
         return app.exit(e) == 0 ? EXIT_SUCCESS : exitUsage;
     } catch (const std::exception& e) {
-        std::cerr << "bench_exchange: " << e.what() << '\n';
+        std::cerr << "exchange_benchmark: " << e.what() << '\n';
         return EXIT_FAILURE;
     }
     return EXIT_SUCCESS;

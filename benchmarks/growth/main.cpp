@@ -5,11 +5,12 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <memory>
 
+#include "benchmarks/Check.h"
 #include "benchmarks/growth/Feed.h"
-#include "benchmarks/parts/Check.h"
 #include "comms/TextProtocol.h"
 #include "lipsync/SerializationTraits.h"
 #include "tests/support/EngineDouble.h"

@@ -48,7 +48,7 @@ void connectLink(benchmark::State& state) {
 }
 BENCHMARK(connectLink);
 
-// With two log lines.
+// With two log lines, which do not reach the platform's writer.
 void connectService(benchmark::State& state) {
     const tests::Silence silence;
     const Listener listener;

@@ -2,7 +2,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "benchmarks/parts/Check.h"
+#include "benchmarks/Check.h"
 #include "tests/support/Memory.h"
 
 namespace benchmarks {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/parts/Check.h"
+#include "benchmarks/Check.h"
 #include "benchmarks/start/AnswerServer.h"
 #include "benchmarks/start/Now.h"
 #include "tests/support/Process.h"

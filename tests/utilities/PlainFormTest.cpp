@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
-
 #include "utilities/serializer/Child.h"
 #include "utilities/serializer/Convertor.h"
 #include "utilities/serializer/NamedTextTrait.h"
@@ -47,6 +45,7 @@ struct RefusedTrait {
 struct Pair {
     unsigned long number = 1;
     std::string text = "old";
+    int noChild = 2;
 };
 
 struct PairTrait {
@@ -105,9 +104,11 @@ TEST(PlainForm, AValueThatCannotBeConvertedIsReported) {
 
 TEST(PlainForm, IsReadWithoutATree) {
     Pair pair;
+    pair.noChild = 3;
     EXPECT_TRUE(isReadPlain(pairDocument("<Number>42</Number><Text>a b.</Text>"), pair));
     EXPECT_EQ(pair.number, 42UL);
     EXPECT_EQ(pair.text, "a b.");
+    EXPECT_EQ(pair.noChild, 3);
     EXPECT_TRUE(isReadPlain(pairDocument("<Number>0x2a</Number><Text />"), pair));
     EXPECT_EQ(pair.text, "");
 }

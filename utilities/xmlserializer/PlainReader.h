@@ -5,7 +5,7 @@
 
 #include "utilities/TypeList.h"
 #include "utilities/serializer/NamedTextTrait.h"
-#include "utilities/xmlserializer/PlainText.h"
+#include "utilities/xmlserializer/PlainCursor.h"
 
 namespace velta::utilities::xmlserializer::detail {
 
@@ -23,12 +23,12 @@ struct PlainChildrenReader;
 
 template <typename Record>
 struct PlainChildrenReader<Record, utilities::detail::TypeNull> {
-    static bool read(PlainText&, Record&) { return true; }
+    static bool read(PlainCursor&, Record&) { return true; }
 };
 
 template <typename Record, typename Child, typename Others>
 struct PlainChildrenReader<Record, TypeList<Child, Others>> {
-    static bool read(PlainText& document, Record& record) {
+    static bool read(PlainCursor& document, Record& record) {
         auto value = Child::Trait::initialValue();
         if (!PlainReader<typename Child::Trait>::read(document, value)) {
             return false;
@@ -42,7 +42,7 @@ template <typename Trait>
 struct PlainReader {
     using Record = typename Trait::Type;
 
-    static bool read(PlainText& document, Record& record) {
+    static bool read(PlainCursor& document, Record& record) {
         return document.skipStart(Trait::tag) &&
                PlainChildrenReader<Record, typename Trait::Children>::read(document, record) &&
                document.skipEnd(Trait::tag);
@@ -51,7 +51,7 @@ struct PlainReader {
 
 template <typename T, const char* const* elementName, bool emptyTextAllowed, typename Convertor>
 struct PlainReader<serializer::NamedTextTrait<T, elementName, emptyTextAllowed, Convertor>> {
-    static bool read(PlainText& document, T& value) {
+    static bool read(PlainCursor& document, T& value) {
         if (emptyTextAllowed && document.skipEmpty(*elementName)) {
             value = T{};
             return true;
@@ -66,16 +66,16 @@ struct PlainReader<serializer::NamedTextTrait<T, elementName, emptyTextAllowed, 
 template <typename Trait>
 bool readPlainDocument(std::string_view text, std::string_view rootTag, std::string_view version,
                        typename Trait::Type& answer) {
-    PlainText document(text);
-    typename Trait::Type read;
-    const bool isPlain = document.skip("<?xml version=\"1.0\" ?><") && document.skip(rootTag) &&
-                         document.skip(" version=\"") && document.skip(version) &&
-                         document.skip("\">") && PlainReader<Trait>::read(document, read) &&
-                         document.skipEnd(rootTag) && document.isAtEnd();
-    if (isPlain) {
-        answer = std::move(read);
+    PlainCursor document(text);
+    typename Trait::Type filled = answer;
+    if (!document.skip("<?xml version=\"1.0\" ?><") || !document.skip(rootTag) ||
+        !document.skip(" version=\"") || !document.skip(version) || !document.skip("\">") ||
+        !PlainReader<Trait>::read(document, filled) || !document.skipEnd(rootTag) ||
+        !document.isAtEnd()) {
+        return false;
     }
-    return isPlain;
+    answer = std::move(filled);
+    return true;
 }
 
 } // namespace velta::utilities::xmlserializer::detail

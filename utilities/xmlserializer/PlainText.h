@@ -1,50 +1,16 @@
 #pragma once
 
+#include <algorithm>
 #include <string_view>
 
 namespace velta::utilities::xmlserializer::detail {
 
 /// Whether text stands for itself in a document: printable ASCII without the characters that
 /// TinyXML escapes.
-bool isPlain(std::string_view text);
-
-/// What has not been read yet of a document in plain form. Every function returns whether the
-/// document goes on as asked, and has read that part then.
-class PlainText {
-public:
-    explicit PlainText(std::string_view document) : _rest(document) {}
-
-    bool skip(std::string_view expected) {
-        if (_rest.substr(0, expected.size()) != expected) {
-            return false;
-        }
-        _rest.remove_prefix(expected.size());
-        return true;
-    }
-    bool skipStart(std::string_view tag) { return skip("<", tag, ">"); }
-    bool skipEnd(std::string_view tag) { return skip("</", tag, ">"); }
-
-    /// An element without content.
-    bool skipEmpty(std::string_view tag) { return skip("<", tag, " />"); }
-
-    /// Plain text up to the next tag, and not all blank, which TinyXML drops. `text` lives as long
-    /// as the document.
-    bool readText(std::string_view& text);
-
-    bool isAtEnd() const { return _rest.empty(); }
-
-private:
-    // All of it or nothing.
-    bool skip(std::string_view before, std::string_view tag, std::string_view after) {
-        PlainText rest(*this);
-        if (!rest.skip(before) || !rest.skip(tag) || !rest.skip(after)) {
-            return false;
-        }
-        *this = rest;
-        return true;
-    }
-
-    std::string_view _rest;
-};
+inline bool isPlain(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return c >= ' ' && c <= '~' && c != '&' && c != '<' && c != '>' && c != '"' && c != '\'';
+    });
+}
 
 } // namespace velta::utilities::xmlserializer::detail

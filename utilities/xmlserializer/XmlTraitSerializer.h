@@ -17,8 +17,7 @@ namespace detail {
 /// Fails unless the element is named `tag`.
 Result checkName(const TiXmlNode& element, const char* tag);
 
-/// Appends the element that was being read to a failure. A success has no use for it: it reads
-/// "Success" whatever its texts are.
+/// Appends the element that was being read to the outcome, be it a success or a failure.
 Result whileDeserializing(Result outcome, const char* tag);
 
 } // namespace detail

@@ -13,9 +13,6 @@ Result checkName(const TiXmlNode& element, const char* tag) {
 }
 
 Result whileDeserializing(Result outcome, const char* tag) {
-    if (outcome.isSuccess()) {
-        return outcome;
-    }
     return outcome << " (While desserializing \"" << tag << "\")";
 }
 
