@@ -113,6 +113,14 @@ TEST(PlainForm, IsReadWithoutATree) {
     EXPECT_EQ(pair.text, "");
 }
 
+TEST(PlainForm, AVersionWithEntitiesIsLeftToTinyXml) {
+    std::string document = pairDocument("<Number>42</Number><Text />");
+    document.replace(document.find("\"1\""), 3, "\"a&amp;b\"");
+    Pair pair;
+    EXPECT_TRUE(Serializer("Root", "a&b").deserialize(document, pair).isSuccess());
+    EXPECT_TRUE(Serializer("Root", "a&amp;b").deserialize(document, pair).isFailure());
+}
+
 TEST(PlainForm, WhateverElseIsLeftToTinyXmlAndReadsTheSame) {
     struct {
         std::string document;

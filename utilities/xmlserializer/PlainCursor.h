@@ -4,8 +4,8 @@
 
 namespace velta::utilities::xmlserializer::detail {
 
-/// A position in a document in plain form. Every function returns whether the
-/// document goes on as asked, and has read that part then.
+/// A position in a document in plain form. Every function returns whether the document goes on as
+/// asked, and is behind that part then.
 class PlainCursor {
 public:
     explicit PlainCursor(std::string_view document) : _rest(document) {}

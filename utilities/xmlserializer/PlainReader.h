@@ -6,6 +6,7 @@
 #include "utilities/TypeList.h"
 #include "utilities/serializer/NamedTextTrait.h"
 #include "utilities/xmlserializer/PlainCursor.h"
+#include "utilities/xmlserializer/PlainText.h"
 
 namespace velta::utilities::xmlserializer::detail {
 
@@ -68,10 +69,10 @@ bool readPlainDocument(std::string_view text, std::string_view rootTag, std::str
                        typename Trait::Type& answer) {
     PlainCursor document(text);
     typename Trait::Type filled = answer;
-    if (!document.skip("<?xml version=\"1.0\" ?><") || !document.skip(rootTag) ||
-        !document.skip(" version=\"") || !document.skip(version) || !document.skip("\">") ||
-        !PlainReader<Trait>::read(document, filled) || !document.skipEnd(rootTag) ||
-        !document.isAtEnd()) {
+    if (!isPlain(version) || !document.skip("<?xml version=\"1.0\" ?><") ||
+        !document.skip(rootTag) || !document.skip(" version=\"") || !document.skip(version) ||
+        !document.skip("\">") || !PlainReader<Trait>::read(document, filled) ||
+        !document.skipEnd(rootTag) || !document.isAtEnd()) {
         return false;
     }
     answer = std::move(filled);
