@@ -70,7 +70,8 @@ TEST(MemoryFaults, ASuccessTakesNoMemory) {
     const long before = MemoryWatch::usage().allocations;
     const Service::Result translated(cause, Service::ResultCode::TransportError,
                                      Service::ResultCode::Success);
-    const Service::Result copy = translated;
+    Service::Result copy = Service::ResultCode::UnknownError;
+    copy = translated;
     EXPECT_EQ(copy.format(), Service::Result::success().format());
     EXPECT_EQ(MemoryWatch::usage().allocations, before);
 }
