@@ -4,9 +4,23 @@
 #include <memory>
 
 #include "tools/azubsim/Help.h"
+#include "tools/manual/CommandLine.h"
 #include "tools/manual/HelpFormatter.h"
 
 namespace azubsim {
+
+namespace {
+
+void readFaults(Options& options) {
+    for (const std::string& text : options.faultTexts) {
+        std::string error;
+        if (!Fault::parse(text, options.faults.emplace_back(), error)) {
+            throw CLI::ValidationError("--fault", error);
+        }
+    }
+}
+
+} // namespace
 
 void declareOptions(CLI::App& app, Options& options) {
     app.name("azubsim");
@@ -21,7 +35,7 @@ void declareOptions(CLI::App& app, Options& options) {
         ->type_name("PATH");
     app.add_flag("--no-call", options.noCall,
                  "Be in no call: the verdict on every request is 1003");
-    app.add_option("--fault", options.faults,
+    app.add_option("--fault", options.faultTexts,
                    "Spoil answers so; may be given several times, and the faults take turns")
         ->type_name("FAULT")
         ->expected(1)
@@ -55,6 +69,17 @@ void declareOptions(CLI::App& app, Options& options) {
                "  azubsim --socket /tmp/engine\n"
                "  azubsim --socket /tmp/engine --fault 'error 1002 no such margin'\n"
                "  azubsim --socket /tmp/engine --fault cut --fault reset --every 10 --seed 1\n");
+}
+
+std::optional<int> readOptions(int argc, char** argv, Options& options) {
+    CLI::App app;
+    declareOptions(app, options);
+    return manual::readCommandLine(app, argc, argv, [&] {
+        if (options.socket.empty()) {
+            throw CLI::RequiredError("--socket");
+        }
+        readFaults(options);
+    });
 }
 
 } // namespace azubsim

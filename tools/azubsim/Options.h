@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/azubsim/Fault.h"
+
 namespace CLI {
 class App;
 }
@@ -14,7 +16,8 @@ namespace azubsim {
 struct Options {
     std::string socket;
     bool noCall = false;
-    std::vector<std::string> faults;
+    std::vector<std::string> faultTexts;
+    std::vector<Fault> faults; ///< What these texts say.
     unsigned int every = 1;
     std::optional<std::uint32_t> seed;
     std::size_t floodBytes = 16777216;
@@ -25,5 +28,8 @@ struct Options {
 
 /// Declares the options, and with them what the help and the manual page say.
 void declareOptions(CLI::App& app, Options& options);
+
+/// Reads the command line. Returns the exit status if the program has to end.
+std::optional<int> readOptions(int argc, char** argv, Options& options);
 
 } // namespace azubsim

@@ -1,7 +1,6 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -16,8 +15,6 @@
 namespace {
 
 using namespace azubsim;
-
-constexpr int exitUsage = 2;
 
 // Becomes readable when the process is asked to end.
 int endSignals() {
@@ -35,27 +32,14 @@ int endSignals() {
     return signalfd(-1, &signals, SFD_CLOEXEC);
 }
 
-void addFaults(const Options& options, FaultPlan& plan) {
-    for (const std::string& text : options.faults) {
-        Fault fault;
-        std::string error;
-        if (!Fault::parse(text, fault, error)) {
-            throw CLI::ValidationError("--fault", error);
-        }
-        plan.add(fault);
-    }
-    plan.setEvery(options.every);
-    if (options.seed) {
-        plan.setSeed(*options.seed);
-    }
-}
-
 void configure(const Options& options, Simulator& simulator) {
-    // Not left to the parser, which would complain of this before it names a wrong option.
-    if (options.socket.empty()) {
-        throw CLI::RequiredError("--socket");
+    for (const Fault& fault : options.faults) {
+        simulator.faults.add(fault);
     }
-    addFaults(options, simulator.faults);
+    simulator.faults.setEvery(options.every);
+    if (options.seed) {
+        simulator.faults.setSeed(*options.seed);
+    }
     simulator.engine.setInCall(!options.noCall);
     simulator.floodBytes = options.floodBytes;
     simulator.isVerbose = options.isVerbose;
@@ -106,14 +90,10 @@ int run(const Options& options, Simulator& simulator) {
 
 int main(int argc, char** argv) {
     Options options;
-    Simulator simulator;
-    CLI::App app;
-    declareOptions(app, options);
-    try {
-        app.parse(argc, argv);
-        configure(options, simulator);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? EXIT_SUCCESS : exitUsage;
+    if (const auto status = readOptions(argc, argv, options)) {
+        return *status;
     }
+    Simulator simulator;
+    configure(options, simulator);
     return run(options, simulator);
 }

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "lipsyncapi/Service.h"
+#include "tools/manual/CommandLine.h"
 #include "tools/manual/HelpFormatter.h"
 
 namespace lipsyncctl {
@@ -122,6 +123,16 @@ void declareOptions(CLI::App& app, Options& options) {
         "  lipsyncctl timestamps --watch\n"
         "  lipsyncctl timestamps --watch --interval 100 --format csv > run.csv\n"
         "  lipsyncctl ping --count 1000 --format json 2>/dev/null\n");
+}
+
+std::optional<int> readOptions(int argc, char** argv, Options& options) {
+    CLI::App app;
+    declareOptions(app, options);
+    return manual::readCommandLine(app, argc, argv, [&] {
+        if (!options.command) {
+            throw CLI::RequiredError("A command");
+        }
+    });
 }
 
 } // namespace lipsyncctl

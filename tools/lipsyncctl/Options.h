@@ -28,4 +28,7 @@ struct Options {
 /// Declares the options and commands, and with them what the help and the manual page say.
 void declareOptions(CLI::App& app, Options& options);
 
+/// Reads the command line. Returns the exit status if the program has to end.
+std::optional<int> readOptions(int argc, char** argv, Options& options);
+
 } // namespace lipsyncctl

@@ -1,6 +1,5 @@
 #include <fcntl.h>
 
-#include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
@@ -10,8 +9,6 @@
 #include "tools/lipsyncctl/Options.h"
 
 namespace {
-
-constexpr int exitUsage = 2;
 
 // A socket must not get the number of a standard descriptor that the caller has closed.
 void openStandardDescriptors() {
@@ -30,16 +27,8 @@ int main(int argc, char** argv) {
     // An engine that goes away must not take this process with it.
     std::signal(SIGPIPE, SIG_IGN);
     lipsyncctl::Options options;
-    CLI::App app;
-    lipsyncctl::declareOptions(app, options);
-    try {
-        app.parse(argc, argv);
-        // Not left to the parser, which would complain of this before it names a wrong word.
-        if (!options.command) {
-            throw CLI::RequiredError("A command");
-        }
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? EXIT_SUCCESS : exitUsage;
+    if (const auto status = lipsyncctl::readOptions(argc, argv, options)) {
+        return *status;
     }
     const int status = lipsyncctl::runCommand(options);
     if (!std::cout.flush()) {

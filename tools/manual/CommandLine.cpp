@@ -1,0 +1,25 @@
+#include "tools/manual/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdlib>
+
+namespace manual {
+
+namespace {
+
+constexpr int exitUsage = 2;
+
+} // namespace
+
+std::optional<int> readCommandLine(CLI::App& app, int argc, char** argv,
+                                   const std::function<void()>& check) {
+    try {
+        app.parse(argc, argv);
+        check();
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e) == 0 ? EXIT_SUCCESS : exitUsage;
+    }
+    return std::nullopt;
+}
+
+} // namespace manual
