@@ -24,8 +24,9 @@ public:
     template <typename CommandType, typename Serializer>
     Result executeCommand(const typename CommandType::Request& request,
                           typename CommandType::Answer& answer) {
+        const Serializer serializer;
         std::string requestText;
-        const auto serialized = Serializer().serialize(request, requestText);
+        const auto serialized = serializer.serialize(request, requestText);
         if (serialized.isFailure()) {
             return Result(serialized, ResultCode::SerializerError, ResultCode::Success);
         }
@@ -34,7 +35,7 @@ public:
         if (exchanged.isFailure()) {
             return exchanged;
         }
-        return Result(Serializer().deserialize(*answerText, answer), ResultCode::SerializerError,
+        return Result(serializer.deserialize(*answerText, answer), ResultCode::SerializerError,
                       ResultCode::Success);
     }
 
