@@ -1,4 +1,4 @@
-// Documents written and read without a tree, compared with what TinyXML writes and reads.
+// Documents read without a tree, compared with what TinyXML reads.
 
 #include <gtest/gtest.h>
 
@@ -65,12 +65,6 @@ struct PairTrait {
 
 using Serializer = XmlSerializer<TypeList<NoteTrait, TypeList<RefusedTrait, TypeList<PairTrait>>>>;
 
-std::string printed(const Note& note, const std::string& version) {
-    auto command = std::make_unique<TiXmlElement>(NoteTrait::tag);
-    EXPECT_TRUE(XmlTraitSerializer<NoteTrait>::toXml(note, *command).isSuccess());
-    return detail::printDocument("Root", version, std::move(command));
-}
-
 std::string pairDocument(const std::string& content) {
     return "<?xml version=\"1.0\" ?><Root version=\"1\"><Pair>" + content + "</Pair></Root>";
 }
@@ -81,17 +75,12 @@ bool isReadPlain(const std::string& document, Pair& pair) {
 
 } // namespace
 
-TEST(PlainForm, IsWrittenAsTinyXmlPrintsIt) {
-    for (const std::string version : {"1", "1.2.3", "a&b", "a\"b"}) {
-        const Serializer serializer("Root", version);
-        for (const char* const text :
-             {"", " ", "a", "a b ", "~!#$%()*+,-./:;=?@[\\]^_`{|}", "<", ">", "&", "\"", "'",
-              "&amp;", "a\nb", "\t", "\x7f", "\xc3\xa9", "\xff", "]]>", "<!-- -->"}) {
-            std::string document;
-            EXPECT_TRUE(serializer.serialize(Note{text}, document).isSuccess());
-            EXPECT_EQ(document, printed(Note{text}, version));
-        }
-    }
+TEST(PlainForm, TextIsEscapedWhenItIsWritten) {
+    std::string document;
+    EXPECT_TRUE(Serializer("Root", "1").serialize(Note{"a <&> \"b\""}, document).isSuccess());
+    EXPECT_EQ(document,
+              "<?xml version=\"1.0\" ?><Root version=\"1\"><Note>a &lt;&amp;&gt; "
+              "&quot;b&quot;</Note></Root>");
 }
 
 TEST(PlainForm, AValueThatCannotBeConvertedIsReported) {

@@ -14,8 +14,9 @@ namespace velta::utilities::xmlserializer::detail {
 /// children in the trait's order, without white space, comments and entities. No tree is built,
 /// which is most of what reading an answer costs otherwise.
 ///
-/// Returns false for everything else, be it right or wrong, and leaves it to TinyXML; the value
-/// may be filled in part then. What is read here reads the same there.
+/// Returns false for everything else, right or wrong, and leaves it to TinyXML; the value may be
+/// filled in part then. What is read here reads the same there, but for the text that a success
+/// collects on its way through a tree, which nobody sees.
 template <typename Trait>
 struct PlainReader;
 

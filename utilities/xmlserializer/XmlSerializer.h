@@ -10,7 +10,6 @@
 #include "utilities/TypeList.h"
 #include "utilities/xmlserializer/Envelope.h"
 #include "utilities/xmlserializer/PlainReader.h"
-#include "utilities/xmlserializer/PlainWriter.h"
 #include "utilities/xmlserializer/ResultTrait.h"
 #include "utilities/xmlserializer/XmlTraitSerializer.h"
 
@@ -38,9 +37,6 @@ public:
     template <typename Request>
     Result serialize(const Request& request, std::string& text) const {
         using Trait = typename detail::TraitOf<Traits, Request>::Head;
-        if (detail::writePlainDocument<Trait>(request, rootTag, version, text)) {
-            return Result::success();
-        }
         text.clear();
         auto command = std::make_unique<TiXmlElement>(Trait::tag);
         Result result = XmlTraitSerializer<Trait>::toXml(request, *command);

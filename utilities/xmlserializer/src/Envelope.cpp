@@ -19,17 +19,14 @@ Result failure() {
 
 std::string printDocument(const std::string& rootTag, const std::string& version,
                           std::unique_ptr<TiXmlElement> command) {
-    auto root = std::make_unique<TiXmlElement>(rootTag.c_str());
-    root->SetAttribute("version", version.c_str());
-    root->LinkEndChild(command.release());
-
-    TiXmlDocument document;
-    document.LinkEndChild(new TiXmlDeclaration("1.0", "", ""));
-    document.LinkEndChild(root.release());
+    TiXmlElement root(rootTag.c_str());
+    root.SetAttribute("version", version.c_str());
+    root.LinkEndChild(command.release());
 
     TiXmlPrinter printer;
     printer.SetStreamPrinting();
-    document.Accept(&printer);
+    TiXmlDeclaration("1.0", "", "").Accept(&printer);
+    root.Accept(&printer);
     return printer.CStr();
 }
 
