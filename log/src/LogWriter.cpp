@@ -9,10 +9,9 @@ namespace velta::zub::log {
 namespace {
 
 // Records that the writer is going to drop must not be counted. On Linux it drops none.
-bool writerReachesItsSocket() {
+bool isNextRecordCounted() {
 #ifdef __ANDROID__
-    constexpr uid_t logDaemonUser = 1036;
-    return getuid() != logDaemonUser && access("/dev/socket/logdw", W_OK) == 0;
+    return reachesLogDaemon(getuid(), access("/dev/socket/logdw", W_OK) == 0);
 #else
     return true;
 #endif
@@ -20,8 +19,13 @@ bool writerReachesItsSocket() {
 
 } // namespace
 
+bool reachesLogDaemon(uid_t user, bool isSocketWritable) {
+    constexpr uid_t logDaemonUser = 1036;
+    return user != logDaemonUser && isSocketWritable;
+}
+
 void writeRecord(android_LogPriority priority, const char* tag, const char* format, va_list args) {
-    if (throughput_limit.isOn() && writerReachesItsSocket()) {
+    if (throughput_limit.isOn() && isNextRecordCounted()) {
         throughput_limit.beforeRecord();
     }
     __android_log_vprint(priority, tag, format, args);
