@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "utilities/TypeList.h"
 #include "utilities/log/AndroidLogTrait.h"
@@ -73,8 +74,9 @@ public:
             return *this << std::string_view(&character, 1);
         }
 
-        Stream& operator<<(int number) noexcept {
-            char digits[std::numeric_limits<int>::digits10 + 2];
+        template <typename Integer, std::enable_if_t<std::is_integral<Integer>::value, int> = 0>
+        Stream& operator<<(Integer number) noexcept {
+            char digits[std::numeric_limits<Integer>::digits10 + 2];
             const char* const end = std::to_chars(digits, digits + sizeof(digits), number).ptr;
             return *this << std::string_view(digits, static_cast<std::size_t>(end - digits));
         }
