@@ -4,7 +4,8 @@
 
 namespace velta::zub::log {
 
-/// Slows down a process that logs too fast: a pause after every so many records.
+/// Slows down a caller that logs too fast: every n-th record that this library writes to the
+/// platform's log waits. Records that other code in the process writes are not counted.
 ///
 /// Shared by all threads without a lock or an atomic: concurrent records may be miscounted, which
 /// is accepted, because the limit is approximate anyway.
@@ -22,7 +23,7 @@ struct ThroughputLimit {
     std::uint32_t pauseUs; ///< Microseconds; 0 means no limit.
 };
 
-/// The limit of this process, read from `LIBLOG_THROUGHPUT_LIMIT` when the library is loaded.
+/// The limit in force, read from `LIBLOG_THROUGHPUT_LIMIT` when the library is loaded.
 extern ThroughputLimit throughput_limit;
 
 } // namespace velta::zub::log
