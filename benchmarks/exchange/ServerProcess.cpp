@@ -1,5 +1,7 @@
 #include "benchmarks/exchange/ServerProcess.h"
 
+#include "tests/support/Listener.h"
+
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -32,12 +34,11 @@ int checked(int result, const char* what) {
 } // namespace
 
 ServerProcess::ServerProcess(const char* protocol) : _path(_directory.path() + "/socket") {
-    const int listener = tests::listenAt(_path);
+    const tests::Listener listener(_path);
     _process = checked(fork(), "fork");
     if (_process == 0) {
-        become(protocol, listener);
+        become(protocol, listener.fd());
     }
-    close(listener);
 }
 
 ServerProcess::~ServerProcess() {

@@ -13,7 +13,7 @@
 #include "benchmarks/growth/Feed.h"
 #include "comms/TextProtocol.h"
 #include "lipsync/SerializationTraits.h"
-#include "tests/support/EngineDouble.h"
+#include "tests/support/Frames.h"
 #include "tests/support/SocketPair.h"
 
 namespace {
@@ -61,7 +61,7 @@ double now() {
 const std::string entity = "&amp;";
 
 std::string answerWith(const std::string& message) {
-    return tests::timestampsAnswer("917", "958", "934", "60", "1000", entity + message);
+    return tests::timestampsFrame("917", "958", "934", "60", "1000", entity + message);
 }
 
 // What of a document of `size` bytes is its message's, behind the entity.

@@ -1,6 +1,6 @@
 #include "benchmarks/parts/Measure.h"
 #include "lipsync/SerializationTraits.h"
-#include "tests/support/EngineDouble.h"
+#include "tests/support/Frames.h"
 
 namespace {
 
@@ -12,7 +12,7 @@ using velta::zub::lipsync::SetAudioDelay;
 template <typename Request>
 void serialize(benchmark::State& state, const Request& request, const std::string& content) {
     // The engine's answers end with a marker, documents do not.
-    std::string expected = tests::document(content);
+    std::string expected = tests::frame(content);
     expected.resize(expected.size() - 2);
     measure(state, [&] {
         std::string text;
@@ -41,8 +41,8 @@ void serializeSetAudioDelay(benchmark::State& state) {
 BENCHMARK(serializeSetAudioDelay);
 
 void deserializeGetAudioTs(benchmark::State& state, const std::string& message) {
-    const std::string text = tests::timestampsAnswer("16963814587331346432", "16963814588104458240",
-                                                     "16963814587674943488", "60", "1000", message);
+    const std::string text = tests::timestampsFrame("16963814587331346432", "16963814588104458240",
+                                                    "16963814587674943488", "60", "1000", message);
     deserialize<GetAudioTs::Answer>(
         state, text.substr(0, text.size() - 2), [](const GetAudioTs::Answer& answer) {
             return answer.timestamps.audioCaptureTimestamp == 16963814587331346432UL &&
@@ -54,7 +54,7 @@ BENCHMARK_CAPTURE(deserializeGetAudioTs, plain, "");
 BENCHMARK_CAPTURE(deserializeGetAudioTs, byTree, "&amp;");
 
 void deserializeSetAudioDelay(benchmark::State& state) {
-    const std::string text = tests::delayAnswer("1000");
+    const std::string text = tests::delayFrame("1000");
     deserialize<SetAudioDelay::Answer>(state, text.substr(0, text.size() - 2),
                                        [](const SetAudioDelay::Answer&) { return true; });
 }

@@ -5,15 +5,15 @@
 
 #include <string>
 
-#include "tests/support/EngineDouble.h"
+#include "tests/support/Listener.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace benchmarks {
 
 /// A listening socket, whose connections are served in the thread that makes them.
 class Listener {
 public:
-    Listener() : _path(_directory.path() + "/engine"), _socket(tests::listenAt(_path)) {}
-    ~Listener() { close(_socket); }
+    Listener() : _path(_directory.path() + "/engine"), _socket(_path) {}
 
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
@@ -21,7 +21,7 @@ public:
     const std::string& path() const { return _path; }
 
     /// The far end of the next connection, or a negative number. The caller closes it.
-    int far() const { return accept(_socket, nullptr, nullptr); }
+    int far() const { return _socket.accept(); }
 
     /// The far end of the next connection goes. Whether there was one.
     bool drop() const {
@@ -32,7 +32,7 @@ public:
 private:
     const tests::TemporaryDirectory _directory;
     const std::string _path;
-    const int _socket;
+    const tests::Listener _socket;
 };
 
 } // namespace benchmarks

@@ -3,7 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include "benchmarks/Check.h"
-#include "tests/support/Memory.h"
+#include "tests/replacements/Memory.h"
 
 namespace benchmarks {
 

@@ -7,7 +7,7 @@
 #include "benchmarks/parts/Listener.h"
 #include "benchmarks/parts/Measure.h"
 #include "lipsyncapi/Service.h"
-#include "tests/support/EngineDouble.h"
+#include "tests/support/Frames.h"
 #include "tests/support/Silence.h"
 
 namespace {
@@ -31,7 +31,7 @@ void exchange(benchmark::State& state, const std::string& answer, const Call& ca
 }
 
 void exchangeGetAudioTs(benchmark::State& state) {
-    const std::string answer = tests::timestampsAnswer(
+    const std::string answer = tests::timestampsFrame(
         "16963814587331346432", "16963814588104458240", "16963814587674943488", "60");
     exchange(state, answer, [](Service& service) {
         velta::zub::common::LipSyncNtpTimestamps audio;
@@ -41,7 +41,7 @@ void exchangeGetAudioTs(benchmark::State& state) {
 BENCHMARK(exchangeGetAudioTs);
 
 void exchangeSetAudioDelay(benchmark::State& state) {
-    exchange(state, tests::delayAnswer("1000"),
+    exchange(state, tests::delayFrame("1000"),
              [](Service& service) { return service.setAudioDelayMargin(40).isSuccess(); });
 }
 BENCHMARK(exchangeSetAudioDelay);

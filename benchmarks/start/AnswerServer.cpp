@@ -1,5 +1,8 @@
 #include "benchmarks/start/AnswerServer.h"
 
+#include "tests/support/Frames.h"
+#include "tests/support/Listener.h"
+
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -23,7 +26,7 @@ void serve(int client, const std::string& answer) {
 [[noreturn]] void run(int listener) {
     // Also where the benchmark ends without destroying its objects.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const std::string answer = tests::timestampsAnswer(
+    const std::string answer = tests::timestampsFrame(
         "16963814587331346432", "16963814588104458240", "16963814587674943488", "60");
     for (;;) {
         serve(accept(listener, nullptr, nullptr), answer);
@@ -33,12 +36,11 @@ void serve(int client, const std::string& answer) {
 } // namespace
 
 AnswerServer::AnswerServer() : _pid(-1) {
-    const int listener = tests::listenAt(path());
+    const tests::Listener listener(path());
     _pid = fork();
     if (_pid == 0) {
-        run(listener);
+        run(listener.fd());
     }
-    close(listener);
 }
 
 AnswerServer::~AnswerServer() {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tests/support/EngineDouble.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace benchmarks {
 

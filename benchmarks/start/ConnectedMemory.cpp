@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 #include "lipsyncapi/Service.h"
-#include "tests/support/Memory.h"
+#include "tests/replacements/Memory.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <csignal>
 
 #include "lipsync/SerializationTraits.h"
-#include "tests/support/EngineDouble.h"
+#include "tests/support/Frames.h"
 #include "tests/support/SocketPair.h"
 
 using tests::SocketPair;
@@ -50,7 +50,7 @@ TEST(CommandClient, SendsNothingThatItCannotWrite) {
 }
 
 TEST(CommandClient, StaysUsableAfterAnUnreadableAnswer) {
-    Exchange exchange("rubbish\n\n" + tests::timestampsAnswer("1", "2", "3", "4"));
+    Exchange exchange("rubbish\n\n" + tests::timestampsFrame("1", "2", "3", "4"));
     EXPECT_EQ(exchange.run(),
               "Serializer error (Code 5903): {Conversion failed (Code 71): No "
               "'AZUB' root element found in xml data.}");

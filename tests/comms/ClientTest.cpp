@@ -8,8 +8,10 @@
 #include <cstring>
 #include <memory>
 
-#include "tests/support/EngineDouble.h"
-#include "tests/support/SystemCalls.h"
+#include "tests/replacements/SystemCalls.h"
+#include "tests/support/Listener.h"
+#include "tests/support/OpenDescriptors.h"
+#include "tests/support/TemporaryDirectory.h"
 
 using tests::Call;
 using tests::SystemCalls;
@@ -50,7 +52,7 @@ TEST(CommsClient, NamesThePathAndTheErrno) {
     const std::string path = directory.path() + "/nobody";
     const std::string failure = "Connection has failed (Code 20002): Unable to connect to " + path;
     EXPECT_EQ(connectUnix(path), failure + errnoText(ENOENT));
-    close(tests::listenAt(path));
+    { const tests::Listener dead(path); }
     EXPECT_EQ(connectUnix(path), failure + errnoText(ECONNREFUSED));
 }
 
@@ -70,11 +72,10 @@ TEST(CommsClient, TakesThe108BytesOfAPathAndNoMore) {
     const TemporaryDirectory directory;
     std::string path = directory.path() + "/";
     path.append(108 - path.size(), 'p');
-    const int listener = tests::listenAt(path);
+    const tests::Listener listener(path);
     EXPECT_EQ(connectUnix(path), "Success");
     EXPECT_EQ(connectUnix(path + "more"), "Success");
     EXPECT_NE(connectUnix(path.substr(0, 107)), "Success");
-    close(listener);
 }
 
 TEST(CommsClient, ConnectsToTcpPortsModulo65536) {

@@ -9,8 +9,8 @@
 #include <memory>
 #include <thread>
 
+#include "tests/replacements/SystemCalls.h"
 #include "tests/support/SocketPair.h"
-#include "tests/support/SystemCalls.h"
 
 using tests::Call;
 using tests::SocketPair;

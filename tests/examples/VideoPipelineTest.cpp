@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "examples/video_pipeline/Skew.h"
-#include "tests/support/EngineDouble.h"
 #include "tests/support/Process.h"
+#include "tests/support/TemporaryDirectory.h"
 
 using tests::Process;
 using video::bestMargin;

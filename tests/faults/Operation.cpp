@@ -9,8 +9,11 @@
 #include <cstdio>
 #include <new>
 
-#include "tests/support/EngineDouble.h"
-#include "tests/support/Memory.h"
+#include "tests/replacements/Memory.h"
+#include "tests/support/Frames.h"
+#include "tests/support/Listener.h"
+#include "tests/support/OpenDescriptors.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace tests {
 
@@ -21,13 +24,13 @@ using velta::zub::lipsyncapi::Service;
 const std::string success = "Success";
 const std::string notConnected = "Bad state (Code 1003): Not connected to the audio ZUB";
 const std::string nowhere = "/nowhere/to/be/found";
-const std::string timestampsRequest = document("<GetAudioTs_Request />");
-const std::string setRequest = document("<SetAudioDelay_Request>40</SetAudioDelay_Request>");
+const std::string timestampsRequest = frame("<GetAudioTs_Request />");
+const std::string setRequest = frame("<SetAudioDelay_Request>40</SetAudioDelay_Request>");
 // Longer than what one read brings.
 const std::string longMessage(600, 'm');
 // Longer than what a string holds without memory.
 const std::string ntpTime = "16602592512345678901";
-const std::string goodAnswer = timestampsAnswer(ntpTime, ntpTime, ntpTime, "123");
+const std::string goodAnswer = timestampsFrame(ntpTime, ntpTime, ntpTime, "123");
 const std::string goodValues = ntpTime + ' ' + ntpTime + ' ' + ntpTime + " 123";
 
 char lastRecord[4096];
@@ -39,17 +42,13 @@ char lastRecord[4096];
 // after it. So whoever reads too much fails and does not wait.
 class Engine {
 public:
-    Engine() : _listener(listenAt(path())) { fcntl(_listener, F_SETFL, O_NONBLOCK); }
-    ~Engine() { close(_listener); }
-
-    Engine(const Engine&) = delete;
-    Engine& operator=(const Engine&) = delete;
+    Engine() : _listener(path()) { fcntl(_listener.fd(), F_SETFL, O_NONBLOCK); }
 
     std::string path() const { return _directory.path() + "/engine"; }
 
     /// Takes the client that has connected, if there is one.
     void answer(const std::string& text) {
-        _client = accept(_listener, nullptr, nullptr);
+        _client = _listener.accept();
         send(_client, text.data(), text.size(), MSG_NOSIGNAL);
         shutdown(_client, SHUT_WR);
     }
@@ -68,7 +67,7 @@ public:
 
 private:
     TemporaryDirectory _directory;
-    int _listener;
+    Listener _listener;
     int _client = -1;
 };
 
@@ -87,7 +86,7 @@ std::string values(const velta::zub::common::LipSyncNtpTimestamps& t) {
 void prepare(Service& service, const Operation& operation) {
     const MemoryWatch watch;
     service.connect(engine().path());
-    engine().answer(delayAnswer("1000"));
+    engine().answer(delayFrame("1000"));
     service.setAudioDelayMargin(60);
     service.disconnect();
     engine().received();
@@ -183,13 +182,13 @@ const std::vector<Operation>& operations() {
         {"video", true, [](C& c) { return c.service->setVideoTimestamps(c.timestamps); }, 0,
          {success, untouched, "", true}, "", ""},
         {"set", true, set, 2,
-         {success, "1 2 3 5 6 7 8 40", setRequest, true}, delayAnswer("1000"), ""},
+         {success, "1 2 3 5 6 7 8 40", setRequest, true}, delayFrame("1000"), ""},
         {"set, no call", true, set, 2,
          {"The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): no call at all}",
-          untouched, setRequest, true}, delayAnswer("1003", "no call at all"), ""},
+          untouched, setRequest, true}, delayFrame("1003", "no call at all"), ""},
         {"set, refused", true, set, 3,
          {"The lipsync server returned an error (Code 1006): {Unknown error (Code 1001): " +
-          longMessage + '}', untouched, setRequest, true}, delayAnswer("1001", longMessage), ""},
+          longMessage + '}', untouched, setRequest, true}, delayFrame("1001", longMessage), ""},
         {"set too much", true, [](C& c) { return c.service->setAudioDelayMargin(150); }, 0,
          {"Invalid Param (Code 1002):  audio delay margin 150 is not in range [0..100]",
           untouched, "", true}, "", ""},
@@ -200,7 +199,7 @@ const std::vector<Operation>& operations() {
           "{Conversion failed (Code 71): Unable to convert from string \"x\". (While "
           "desserializing \"receiving_timestamp\") (While desserializing \"LipSyncNtpTimestamps\") "
           "(While desserializing \"GetAudioTs_Answer\")}}",
-          untouched, timestampsRequest, true}, timestampsAnswer("1", "2", "x", "4"), ""},
+          untouched, timestampsRequest, true}, timestampsFrame("1", "2", "x", "4"), ""},
         {"timestamps unconnected", false, timestamps, 0, {notConnected, untouched, "", false}, "", ""},
     };
     // clang-format on

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "lipsyncapi/Service.h"
-#include "tests/support/SystemCalls.h"
+#include "tests/replacements/SystemCalls.h"
 
 namespace tests {
 

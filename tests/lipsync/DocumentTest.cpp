@@ -3,10 +3,10 @@
 #include <climits>
 
 #include "lipsync/SerializationTraits.h"
-#include "tests/support/EngineDouble.h"
+#include "tests/support/Frames.h"
 
-using tests::delayAnswer;
-using tests::timestampsAnswer;
+using tests::delayFrame;
+using tests::timestampsFrame;
 using velta::zub::lipsync::GetAudioTs;
 using velta::zub::lipsync::Serializer;
 using velta::zub::lipsync::SetAudioDelay;
@@ -34,14 +34,14 @@ TEST(Document, RequestsAreWrittenToTheByte) {
 
 TEST(Document, TheTimestampsAreTakenOverAsAWholeOrNotAtAll) {
     GetAudioTs::Answer answer;
-    EXPECT_TRUE(Serializer().deserialize(timestampsAnswer("1", "2", "x", "4"), answer).isFailure());
+    EXPECT_TRUE(Serializer().deserialize(timestampsFrame("1", "2", "x", "4"), answer).isFailure());
     EXPECT_EQ(answer.timestamps.audioCaptureTimestamp, 0UL);
 }
 
 TEST(Document, WhatWasReadBeforeAFailureIsKept) {
     GetAudioTs::Answer answer;
     EXPECT_TRUE(
-        Serializer().deserialize(timestampsAnswer("1", "2", "3", "4", "x"), answer).isFailure());
+        Serializer().deserialize(timestampsFrame("1", "2", "3", "4", "x"), answer).isFailure());
     EXPECT_EQ(answer.timestamps.audioCaptureTimestamp, 1UL);
     EXPECT_EQ(answer.timestamps.jbmCurrentDepth, 4UL);
     EXPECT_EQ(answer.result.format(), "Unknown error (Code 1001)");
@@ -50,6 +50,6 @@ TEST(Document, WhatWasReadBeforeAFailureIsKept) {
 TEST(Document, AVerdictReplacesTheOldOne) {
     SetAudioDelay::Answer answer;
     answer.result << "old";
-    EXPECT_TRUE(Serializer().deserialize(delayAnswer("1003", "new"), answer).isSuccess());
+    EXPECT_TRUE(Serializer().deserialize(delayFrame("1003", "new"), answer).isSuccess());
     EXPECT_EQ(answer.result.format(), "Bad state (Code 1003): new");
 }

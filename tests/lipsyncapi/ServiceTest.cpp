@@ -10,15 +10,17 @@
 #include <functional>
 #include <locale>
 
+#include "tests/replacements/LogCapture.h"
 #include "tests/support/EngineDouble.h"
-#include "tests/support/LogCapture.h"
-#include "tests/support/SystemCalls.h"
+#include "tests/support/Frames.h"
+#include "tests/support/OpenDescriptors.h"
+#include "tests/support/TemporaryDirectory.h"
 
-using tests::delayAnswer;
-using tests::document;
+using tests::delayFrame;
 using tests::EngineDouble;
+using tests::frame;
 using tests::LogCapture;
-using tests::timestampsAnswer;
+using tests::timestampsFrame;
 using velta::zub::common::LipSyncNtpTimestamps;
 using velta::zub::lipsyncapi::Service;
 
@@ -106,16 +108,15 @@ TEST(Service, ConnectsOnceAndAgainAfterDisconnecting) {
                   "Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code 20002): "
                   "Unable to connect to " +
                       nobody + " {No such file or directory (Code 2)}}");
-        EngineDouble first({delayAnswer("1000"), delayAnswer("1000")});
+        EngineDouble first({delayFrame("1000"), delayFrame("1000")});
         EXPECT_EQ(service.connect(first.path()).format(), "Success");
         EXPECT_EQ(service.setAudioDelayMargin(60).format(), "Success");
         EXPECT_EQ(service.connect(first.path()).format(),
                   "Bad state (Code 1003): Already connected to the audio ZUB");
         EXPECT_EQ(service.setAudioDelayMargin(40).format(), "Success");
         EXPECT_EQ(service.disconnect().format(), "Success");
-        EXPECT_EQ(first.received(),
-                  document("<SetAudioDelay_Request>60</SetAudioDelay_Request>") +
-                      document("<SetAudioDelay_Request>40</SetAudioDelay_Request>"));
+        EXPECT_EQ(first.received(), frame("<SetAudioDelay_Request>60</SetAudioDelay_Request>") +
+                                        frame("<SetAudioDelay_Request>40</SetAudioDelay_Request>"));
 
         EngineDouble second({});
         EXPECT_EQ(service.connect(second.path()).format(), "Success");
@@ -148,7 +149,7 @@ TEST(Service, AnswersLocallyWhatItKnows) {
 }
 
 TEST(Service, ChecksMarginsBeforeItSendsThem) {
-    EngineDouble engine({delayAnswer("1000"), delayAnswer("1000"), delayAnswer("1003")});
+    EngineDouble engine({delayFrame("1000"), delayFrame("1000"), delayFrame("1003")});
     Service service;
     service.connect(engine.path());
     const std::string invalid = "Invalid Param (Code 1002):  audio delay margin ";
@@ -175,7 +176,7 @@ TEST(Service, ChecksMarginsBeforeItSendsThem) {
     }
     service.disconnect();
     const auto request = [](const std::string& delayMs) {
-        return document("<SetAudioDelay_Request>" + delayMs + "</SetAudioDelay_Request>");
+        return frame("<SetAudioDelay_Request>" + delayMs + "</SetAudioDelay_Request>");
     };
     EXPECT_EQ(engine.received(), request("100") + request("0") + request("40") + request("60"));
 }
@@ -211,7 +212,7 @@ TEST(Service, StaysConnectedWhenTheEngineGoesAway) {
 }
 
 TEST(Service, LogsOneLineACall) {
-    EngineDouble engine({delayAnswer("1000"), timestampsAnswer("1", "2", "3", "4")});
+    EngineDouble engine({delayFrame("1000"), timestampsFrame("1", "2", "3", "4")});
     Service service;
     LipSyncNtpTimestamps timestamps = callersValues();
     EXPECT_EQ(logged([&] { service.getAudioTimestamps(timestamps); }),
@@ -252,8 +253,8 @@ TEST(Service, ConnectsToTheDefaultSocket) {
 TEST(Service, IgnoresTheCallersLocale) {
     const std::locale before =
         std::locale::global(std::locale(std::locale::classic(), new Grouping));
-    EngineDouble engine({timestampsAnswer("18446744073709551615", "1000000", "3", "4"),
-                         timestampsAnswer("1.000", "2", "3", "4")});
+    EngineDouble engine({timestampsFrame("18446744073709551615", "1000000", "3", "4"),
+                         timestampsFrame("1.000", "2", "3", "4")});
     Service service;
     service.connect(engine.path());
     LipSyncNtpTimestamps timestamps;

@@ -4,8 +4,8 @@
 
 #include <cstdlib>
 
-#include "tests/support/LogCapture.h"
-#include "tests/support/SystemCalls.h"
+#include "tests/replacements/LogCapture.h"
+#include "tests/replacements/SystemCalls.h"
 #include "utilities/log/GenericLog.h"
 
 using tests::LogCapture;

@@ -15,8 +15,8 @@
 #include <vector>
 
 #include "lipsyncapi/Service.h"
+#include "tests/support/OpenDescriptors.h"
 #include "tests/support/Silence.h"
-#include "tests/support/SystemCalls.h"
 #include "tests/tools/Engine.h"
 
 using tests::Engine;

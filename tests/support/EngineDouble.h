@@ -4,31 +4,21 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/Listener.h"
+#include "tests/support/TemporaryDirectory.h"
+
 namespace tests {
 
-/// A directory of its own for one test, removed with what is in it.
-class TemporaryDirectory {
-public:
-    TemporaryDirectory();
-    ~TemporaryDirectory();
-
-    TemporaryDirectory(const TemporaryDirectory&) = delete;
-    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-
-    const std::string& path() const { return _path; }
-
-private:
-    std::string _path;
-};
-
-/// A listening Unix-domain socket.
-int listenAt(const std::string& path);
-
-/// An engine that plays a script: to every request of its one client it sends the next answer,
-/// and when there is none left it closes the connection.
+/// An engine that plays a script, on a thread of its own: it answers every request with the next
+/// frame of the script.
 class EngineDouble {
 public:
-    explicit EngineDouble(std::vector<std::string> answers);
+    enum Script {
+        Once,    ///< For one client, whose connection is closed when it asks for more.
+        ForEver, ///< For one client after the other, and from the start again at its end.
+    };
+
+    explicit EngineDouble(std::vector<std::string> frames, Script script = Once);
     ~EngineDouble();
 
     EngineDouble(const EngineDouble&) = delete;
@@ -36,26 +26,22 @@ public:
 
     std::string path() const { return _directory.path() + "/engine"; }
 
-    /// All bytes received; waits until the client has gone.
+    /// The bytes that the client of a script that is played once has sent. Waits until the client
+    /// has gone.
     std::string received();
 
 private:
     void serve();
+    void serveClient(int fd);
+    bool answer(int fd);
 
     TemporaryDirectory _directory;
-    std::vector<std::string> _answers;
+    std::vector<std::string> _frames;
+    Script _script;
+    std::size_t _next = 0;
     std::string _received;
-    int _listener;
+    Listener _listener;
     std::thread _thread;
 };
-
-/// The documents that an engine sends, with their end marker.
-std::string timestampsAnswer(const std::string& capture, const std::string& rendering,
-                             const std::string& receiving, const std::string& depth,
-                             const std::string& code = "1000", const std::string& message = "");
-std::string delayAnswer(const std::string& code, const std::string& message = "");
-
-/// A document with this content in its root.
-std::string document(const std::string& content);
 
 } // namespace tests

@@ -14,8 +14,9 @@
 #include "lipsyncapi/ApiLog.h"
 #include "lipsyncapi/Logger.h"
 #include "lipsyncapi/Service.h"
+#include "tests/replacements/LogCapture.h"
 #include "tests/support/EngineDouble.h"
-#include "tests/support/LogCapture.h"
+#include "tests/support/Frames.h"
 #include "utilities/result/ErrnoTrait.h"
 
 using velta::zub::common::LipSyncNtpTimestamps;
@@ -58,7 +59,7 @@ TEST(Threads, MayUseSeveralServicesUnderOneLock) {
     inThreads([&](int thread) {
         const std::string capture = std::to_string(thread);
         tests::EngineDouble engine(
-            std::vector<std::string>(rounds, tests::timestampsAnswer(capture, "2", "3", "4")));
+            std::vector<std::string>(rounds, tests::timestampsFrame(capture, "2", "3", "4")));
         Service service;
         EXPECT_TRUE(service.connect(engine.path()).isSuccess());
         for (int i = 0; i < rounds; ++i) {
@@ -114,7 +115,7 @@ TEST(Threads, MaySerializeAtTheSameTime) {
             EXPECT_TRUE(Serializer().serialize(SetAudioDelay::Request{20}, text).isSuccess());
             EXPECT_TRUE(
                 Serializer()
-                    .deserialize(tests::timestampsAnswer(std::to_string(thread), "2", "3", "4"),
+                    .deserialize(tests::timestampsFrame(std::to_string(thread), "2", "3", "4"),
                                  answer)
                     .isSuccess());
             EXPECT_EQ(answer.timestamps.audioCaptureTimestamp, static_cast<unsigned long>(thread));

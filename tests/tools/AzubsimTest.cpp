@@ -9,9 +9,10 @@
 
 #include "comms/Client.h"
 #include "lipsyncapi/Service.h"
-#include "tests/support/EngineDouble.h"
-#include "tests/support/LogCapture.h"
+#include "tests/replacements/LogCapture.h"
+#include "tests/support/Listener.h"
 #include "tests/support/Process.h"
+#include "tests/support/TemporaryDirectory.h"
 
 using tests::Process;
 using velta::zub::common::LipSyncNtpTimestamps;
@@ -102,7 +103,7 @@ TEST_F(Azubsim, EndsCleanlyOnSignals) {
 }
 
 TEST_F(Azubsim, ReplacesADeadSocketAndNothingElse) {
-    close(tests::listenAt(socket));
+    { const tests::Listener dead(socket); }
     Process live = start();
     expectListening(live);
 

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/EngineDouble.h"
-#include "tests/support/LogCapture.h"
+#include "tests/replacements/LogCapture.h"
 #include "tests/support/Process.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace tests {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "lipsync/SerializationTraits.h"
-#include "tests/support/EngineDouble.h"
+#include "tests/support/Frames.h"
 
 using velta::utilities::xmlserializer::detail::answerLimits;
 using velta::utilities::xmlserializer::detail::isWithin;
@@ -30,7 +30,7 @@ std::string read(const std::string& text) {
 }
 
 std::string nested(std::size_t levels) {
-    return tests::document(repeated("<a>", levels - 1) + repeated("</a>", levels - 1));
+    return tests::frame(repeated("<a>", levels - 1) + repeated("</a>", levels - 1));
 }
 
 std::string withAttributes(std::size_t count) {
@@ -38,7 +38,7 @@ std::string withAttributes(std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         attributes += " a" + std::to_string(i) + "='<'";
     }
-    return tests::document("<a" + attributes + "/>");
+    return tests::frame("<a" + attributes + "/>");
 }
 
 const std::string noRoot = "Conversion failed (Code 71): No 'AZUB' root element found in xml data.";
@@ -80,7 +80,7 @@ TEST(DocumentLimits, AreNotReachedByWhatHoldsNoElements) {
           "<a>" + repeated("<b/>text<b></b>", 1000) + "</a>",
           "<a/><!" + repeated("<a ", 2000) + ">", "<a>" + repeated("&lt;a&gt;", 1000) + "</a>",
           "<a/>" + repeated("<1>", 1000)}) {
-        EXPECT_EQ(read(tests::document(shallow)), wrongElement) << shallow.substr(0, 20);
+        EXPECT_EQ(read(tests::frame(shallow)), wrongElement) << shallow.substr(0, 20);
     }
     EXPECT_EQ(read("<?xml " + repeated("<a ", 2000) + "?><AZUB version='0.1.0'><a/></AZUB>"),
               wrongElement);

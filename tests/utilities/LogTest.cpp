@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tests/support/LogCapture.h"
+#include "tests/replacements/LogCapture.h"
 #include "utilities/log/Assertion.h"
 #include "utilities/log/GenericLog.h"
 

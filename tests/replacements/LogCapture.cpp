@@ -1,4 +1,4 @@
-#include "tests/support/LogCapture.h"
+#include "tests/replacements/LogCapture.h"
 
 #include <android/log.h>
 #include <gtest/gtest.h>

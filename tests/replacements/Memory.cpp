@@ -1,4 +1,4 @@
-#include "tests/support/Memory.h"
+#include "tests/replacements/Memory.h"
 
 #include <cstdlib>
 #include <new>

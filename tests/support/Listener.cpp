@@ -1,0 +1,33 @@
+#include "tests/support/Listener.h"
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace tests {
+
+Listener::Listener(const std::string& path) : _fd(socket(AF_UNIX, SOCK_STREAM, 0)) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof(address.sun_path));
+    if (bind(_fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0 ||
+        listen(_fd, 4) != 0) {
+        std::abort();
+    }
+}
+
+Listener::~Listener() {
+    close(_fd);
+}
+
+int Listener::accept() const {
+    return ::accept(_fd, nullptr, nullptr);
+}
+
+void Listener::stop() const {
+    shutdown(_fd, SHUT_RDWR);
+}
+
+} // namespace tests
