@@ -1,15 +1,14 @@
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
+#include <stdexcept>
+#include <string>
 
 namespace benchmarks {
 
 /// Ends the run if a result is wrong: what something costs that does not work is of no interest.
 inline void check(bool holds, const char* what) {
     if (!holds) {
-        std::fprintf(stderr, "Does not hold: %s\n", what);
-        std::exit(EXIT_FAILURE);
+        throw std::runtime_error(std::string("Does not hold: ") + what);
     }
 }
 

@@ -1,90 +1,101 @@
 #include "benchmarks/exchange/BusPeer.h"
 
-#include <cstring>
-#include <stdexcept>
+#include <sys/socket.h>
+#include <unistd.h>
 
-#include "benchmarks/exchange/Answers.h"
+#include <cstdint>
+#include <cstring>
+
+#include "benchmarks/exchange/Values.h"
 
 namespace exchange {
 
 namespace {
 
-constexpr std::string_view endOfAuthentication = "BEGIN\r\n";
+// Numbers are in the byte order of the machine, which the first byte tells.
+struct Header {
+    char order = 'l';
+    char type = 2;
+    char flags = 1;
+    char version = 1;
+    std::uint32_t bodySize = 0;
+    std::uint32_t serial = 0;
+    std::uint32_t fieldsSize = 0;
+};
 
-// Where the numbers stand in a message. They are in the byte order of this machine, which the
-// first byte tells, and which is the sender's here as well.
-constexpr std::size_t bodySizeAt = 4;
-constexpr std::size_t serialAt = 8;
-constexpr std::size_t fieldsSizeAt = 12;
-constexpr std::size_t headerSize = 16;
-constexpr std::size_t replySerialAt = 20;
+// A method's return with four unsigned 64-bit numbers. Each field begins, and the body too, at a
+// multiple of eight bytes.
+struct Answer {
+    Header header;
+    char replySerialField[4] = {5, 1, 'u', 0};
+    std::uint32_t replySerial = 0;
+    char signatureField[10] = {8, 1, 'g', 0, 4, 't', 't', 't', 't', 0};
+    char padding[6] = {};
+    Values values{};
+};
+static_assert(sizeof(Answer) == 72);
 
-std::uint32_t numberAt(std::string_view message, std::size_t position) {
-    std::uint32_t number = 0;
-    std::memcpy(&number, message.data() + position, sizeof(number));
-    return number;
+std::vector<Answer> prepareAnswers() {
+    std::vector<Answer> answers(answerCount);
+    for (std::size_t i = 0; i < answerCount; ++i) {
+        answers[i].header.bodySize = sizeof(Values);
+        answers[i].header.fieldsSize = 18;
+        answers[i].values = valuesOf(i);
+    }
+    return answers;
 }
 
-void putNumber(std::string& message, std::size_t position, std::uint32_t number) {
-    std::memcpy(message.data() + position, &number, sizeof(number));
+bool sendAll(int fd, const void* bytes, std::size_t size) {
+    return send(fd, bytes, size, MSG_NOSIGNAL) == static_cast<ssize_t>(size);
 }
 
-// The fields are filled up to a multiple of eight bytes; the body follows.
-std::size_t messageSize(std::string_view header) {
-    const std::size_t fields = numberAt(header, fieldsSizeAt);
-    return headerSize + (fields + 7) / 8 * 8 + numberAt(header, bodySizeAt);
+// The client sends all it has to say in one go, and is told in one go that everything was right:
+// its identity was asked for and accepted, and descriptors may be passed.
+bool authenticate(int fd) {
+    const std::string accepted = "DATA\r\nOK " + std::string(32, '1') + "\r\nAGREE_UNIX_FD\r\n";
+    char received[256];
+    return read(fd, received, sizeof(received)) > 0 &&
+           sendAll(fd, accepted.data(), accepted.size());
 }
 
-// A method's return with four unsigned 64-bit numbers. It holds the fields REPLY_SERIAL, still
-// empty, and SIGNATURE.
-std::string makeAnswer(const Values& values) {
-    using namespace std::string_literals;
-    std::string message =
-        "l\2\1\1\0\0\0\0\0\0\0\0\0\0\0\0"s
-        "\5\1u\0\0\0\0\0"s
-        "\10\1g\0\4tttt\0"s;
-    putNumber(message, bodySizeAt, sizeof(values));
-    putNumber(message, fieldsSizeAt, static_cast<std::uint32_t>(message.size() - headerSize));
-    message.resize((message.size() + 7) / 8 * 8);
-    message.append(reinterpret_cast<const char*>(values.data()), sizeof(values));
-    return message;
+// A call arrives in one piece: its sender waits for the answer before it sends more. What is not
+// just one call is not answered, and ends the connection.
+bool isCall(const Header& call, std::size_t size) {
+    return call.order == 'l' && call.type == 1 &&
+           size == sizeof(call) + (call.fieldsSize + 7) / 8 * 8 + call.bodySize;
+}
+
+void answerCalls(int fd) {
+    std::vector<Answer> answers = prepareAnswers();
+    std::uint32_t count = 0;
+    char chunk[1024];
+    for (ssize_t n; (n = read(fd, chunk, sizeof(chunk))) >= static_cast<ssize_t>(sizeof(Header));) {
+        Header call;
+        std::memcpy(&call, chunk, sizeof(call));
+        Answer& answer = answers[count % answerCount];
+        answer.header.serial = ++count;
+        answer.replySerial = call.serial;
+        if (!isCall(call, static_cast<std::size_t>(n)) || !sendAll(fd, &answer, sizeof(answer))) {
+            return;
+        }
+    }
 }
 
 } // namespace
 
-// The client sends all it has to say in one go, and is told in one go that everything was right:
-// its identity was asked for and accepted, and descriptors may be passed.
-BusPeer::BusPeer()
-    : _authentication("DATA\r\nOK " + std::string(32, '1') + "\r\nAGREE_UNIX_FD\r\n") {
-    for (std::size_t i = 0; i < answerCount; ++i) {
-        _answers.push_back(makeAnswer(valuesOf(i)));
-    }
+BusPeer::BusPeer() : _listener(path()), _thread([this] { serve(); }) {}
+
+BusPeer::~BusPeer() {
+    _listener.stop();
+    _thread.join();
 }
 
-bool BusPeer::isComplete(std::string_view received) const {
-    if (_isAuthenticated) {
-        return received.size() >= headerSize && received.size() >= messageSize(received);
+void BusPeer::serve() const {
+    const int fd = _listener.accept();
+    if (authenticate(fd)) {
+        answerCalls(fd);
     }
-    return received.size() >= endOfAuthentication.size() &&
-           received.substr(received.size() - endOfAuthentication.size()) == endOfAuthentication;
-}
-
-const std::string& BusPeer::answer(std::string_view request) {
-    if (_isAuthenticated) {
-        return answerCall(request);
-    }
-    _isAuthenticated = true;
-    return _authentication;
-}
-
-const std::string& BusPeer::answerCall(std::string_view call) {
-    if (call.size() != messageSize(call) || call[0] != 'l' || call[1] != 1) {
-        throw std::runtime_error("not one method call");
-    }
-    std::string& answer = _answers[_calls++ % answerCount];
-    putNumber(answer, serialAt, _calls);
-    putNumber(answer, replySerialAt, numberAt(call, serialAt));
-    return answer;
+    close(fd);
 }
 
 } // namespace exchange

@@ -1,31 +1,31 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
-#include <string_view>
-#include <vector>
+#include <thread>
+
+#include "tests/support/Listener.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace exchange {
 
-/// Answers method calls in the D-Bus wire format, with prepared messages in which only the two
-/// serials are filled in. A client authenticates first.
+/// Answers one client's method calls in the D-Bus wire format, on a thread of its own, with
+/// prepared messages in which only the two serials are filled in.
 class BusPeer {
 public:
     BusPeer();
+    ~BusPeer();
 
-    bool isComplete(std::string_view received) const;
+    BusPeer(const BusPeer&) = delete;
+    BusPeer& operator=(const BusPeer&) = delete;
 
-    /// Throws if it is no method call, or one that is too short.
-    const std::string& answer(std::string_view request);
+    std::string path() const { return _directory.path() + "/engine"; }
 
 private:
-    const std::string& answerCall(std::string_view call);
+    void serve() const;
 
-    std::string _authentication;
-    std::vector<std::string> _answers;
-    bool _isAuthenticated = false;
-    std::uint32_t _calls = 0;
+    const tests::TemporaryDirectory _directory;
+    const tests::Listener _listener;
+    std::thread _thread;
 };
 
 } // namespace exchange

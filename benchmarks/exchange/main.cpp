@@ -1,47 +1,47 @@
+// What one `getAudioTimestamps` costs, beside other ways to get the same values. Client and far end
+// share one core: otherwise the wake-up of the other core drowns everything.
+
+#include <sched.h>
+
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 
 #include "benchmarks/exchange/Contestants.h"
-#include "benchmarks/exchange/Core.h"
-#include "benchmarks/exchange/Options.h"
-#include "benchmarks/exchange/Rounds.h"
-#include "benchmarks/exchange/Table.h"
 
 namespace {
 
-using namespace exchange;
+// The core on which the scheduler has started this process was not the busiest one.
+void stayOnOneCore() {
+    cpu_set_t cores;
+    CPU_ZERO(&cores);
+    CPU_SET(static_cast<std::size_t>(sched_getcpu()), &cores);
+    benchmarks::check(sched_setaffinity(0, sizeof(cores), &cores) == 0, "one core is enough");
+}
 
-constexpr int exitUsage = 2;
-
-void run(const Options& options) {
-    // A server that goes away is reported, not died of.
-    std::signal(SIGPIPE, SIG_IGN);
-    if (!options.isUnpinned) {
-        pinToIdlestCore();
-    }
-    if (!options.only.empty()) {
-        takeTurn(*makeContestant(options.only), 0, options.count);
-        return;
-    }
-    printTable(playRounds(options.rounds, options.exchanges),
-               options.isUnpinned ? "unpinned" : "on one core");
+void add(const char* name, void (*contestant)(benchmark::State&)) {
+    benchmark::RegisterBenchmark(name, contestant)->Iterations(1000)->UseRealTime();
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    Options options;
-    CLI::App app;
-    declareOptions(app, options);
+    // A far end that goes away is reported, not died of.
+    std::signal(SIGPIPE, SIG_IGN);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 2;
+    }
     try {
-        app.parse(argc, argv);
-        run(options);
-    } catch (const CLI::ParseError& e) {
-        return app.exit(e) == 0 ? EXIT_SUCCESS : exitUsage;
+        stayOnOneCore();
+        add("floor", exchange::floor);
+        add("library", exchange::library);
+        add("library-silent", exchange::librarySilent);
+        add("sd-bus", exchange::bus);
+        benchmark::RunSpecifiedBenchmarks();
     } catch (const std::exception& e) {
-        std::cerr << "exchange_benchmark: " << e.what() << '\n';
+        std::fprintf(stderr, "exchange_benchmark: %s\n", e.what());
         return EXIT_FAILURE;
     }
     return EXIT_SUCCESS;

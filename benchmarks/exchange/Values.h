@@ -16,10 +16,7 @@ using Values = std::array<std::uint64_t, 4>;
 constexpr std::size_t answerCount = 16;
 
 /// The values of the answer to the request with this number, counted from 0.
-const Values& valuesOf(std::size_t exchange);
-
-/// The bytes that the library sends for `getAudioTimestamps`.
-extern const std::string textRequest;
+Values valuesOf(std::size_t number);
 
 /// The answers as the library reads them, all of the same size.
 std::vector<std::string> textAnswers();
