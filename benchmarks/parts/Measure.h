@@ -7,38 +7,27 @@
 
 namespace benchmarks {
 
-/// While it lives, counts what this thread takes from operator new; afterwards the benchmark shows
-/// it as allocations for one iteration.
-class AllocationCount {
-public:
-    explicit AllocationCount(benchmark::State& state)
-        : _state(state), _before(tests::MemoryWatch::usage().allocations) {}
+// Counting starts before the first benchmark.
+inline const tests::MemoryWatch watch{0};
 
-    ~AllocationCount() {
-        const long count = tests::MemoryWatch::usage().allocations - _before;
-        _state.counters["allocations"] =
-            benchmark::Counter(static_cast<double>(count), benchmark::Counter::kAvgIterations);
-    }
-
-    AllocationCount(const AllocationCount&) = delete;
-    AllocationCount& operator=(const AllocationCount&) = delete;
-
-private:
-    benchmark::State& _state;
-    long _before;
-    tests::MemoryWatch _watch;
+/// What this thread has taken from operator new so far, and what of it has not been freed.
+struct Memory {
+    static long allocations() { return tests::MemoryWatch::usage().allocations; }
+    static long blocks() { return tests::MemoryWatch::usage().blocks(); }
 };
 
-/// Times `operation`, which says each time whether it came to the right result.
+/// Times `operation`, which says each time whether it came to the right result, and shows its
+/// allocations.
 template <typename Operation>
 void measure(benchmark::State& state, const Operation& operation) {
     bool isRight = true;
-    {
-        const AllocationCount count(state);
-        for (auto _ : state) {
-            isRight = operation() && isRight;
-        }
+    const long before = Memory::allocations();
+    for (auto _ : state) {
+        isRight = operation() && isRight;
     }
+    const auto allocations = static_cast<double>(Memory::allocations() - before);
+    state.counters["allocations"] =
+        benchmark::Counter(allocations, benchmark::Counter::kAvgIterations);
     check(isRight, "the result of a benchmark");
 }
 

@@ -1,29 +1,86 @@
-// A whole exchange through the public class, log lines included. The answer lies in the socket
-// before it is asked for, so that one thread does everything and all of its allocations are
-// counted.
+// Connecting, and whole exchanges, in one thread: the engine's side is part of the time. Log lines
+// do not reach the platform's writer.
 
 #include <unistd.h>
 
-#include "benchmarks/parts/Listener.h"
+#include <memory>
+
+#include "benchmarks/PlainSocket.h"
 #include "benchmarks/parts/Measure.h"
+#include "comms/Client.h"
 #include "lipsyncapi/Service.h"
 #include "tests/support/Frames.h"
+#include "tests/support/Listener.h"
 #include "tests/support/Silence.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace {
 
-using benchmarks::Listener;
+using benchmarks::check;
+using benchmarks::measure;
+using velta::zub::comms::Client;
+using velta::zub::comms::Link;
 using velta::zub::lipsyncapi::Service;
+
+class Engine {
+public:
+    const std::string& path() const { return _path; }
+
+    int accept() const { return _listener.accept(); }
+
+    // The next client's connection is closed.
+    bool drop() const { return close(accept()) == 0; }
+
+private:
+    const tests::TemporaryDirectory _directory;
+    const std::string _path = _directory.path() + "/engine";
+    const tests::Listener _listener{_path};
+};
+
+void connectPlainSocket(benchmark::State& state) {
+    const Engine engine;
+    measure(state, [&] {
+        const int fd = benchmarks::connectPlainly(engine.path().c_str());
+        return engine.drop() && shutdown(fd, SHUT_RDWR) == 0 && close(fd) == 0;
+    });
+}
+BENCHMARK(connectPlainSocket);
+
+void connectLink(benchmark::State& state) {
+    const Engine engine;
+    measure(state, [&] {
+        Link* link = nullptr;
+        const bool isConnected = Client::connectUnixServer(engine.path().c_str(), link).isSuccess();
+        const std::unique_ptr<Link> owner(link);
+        return isConnected && engine.drop();
+    });
+}
+BENCHMARK(connectLink);
+
+void connectService(benchmark::State& state) {
+    const tests::Silence silence;
+    const Engine engine;
+    const long before = benchmarks::Memory::blocks();
+    long held = 0;
+    Service service;
+    measure(state, [&] {
+        const bool isConnected = service.connect(engine.path()).isSuccess();
+        held = benchmarks::Memory::blocks() - before;
+        return isConnected && engine.drop() && service.disconnect().isSuccess();
+    });
+    state.counters["heap blocks while connected"] = static_cast<double>(held);
+}
+BENCHMARK(connectService);
 
 template <typename Call>
 void exchange(benchmark::State& state, const std::string& answer, const Call& call) {
     const tests::Silence silence;
-    const Listener listener;
+    const Engine engine;
     Service service;
-    benchmarks::check(service.connect(listener.path()).isSuccess(), "the service connects");
-    const int far = listener.far();
+    check(service.connect(engine.path()).isSuccess(), "the service connects");
+    const int far = engine.accept();
     char request[256];
-    benchmarks::measure(state, [&] {
+    measure(state, [&] {
         return write(far, answer.data(), answer.size()) == static_cast<ssize_t>(answer.size()) &&
                call(service) && read(far, request, sizeof(request)) > 0;
     });
