@@ -1,1 +1,0 @@
-// A shared library with nothing in it, for what loading any library costs.
