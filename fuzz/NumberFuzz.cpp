@@ -63,5 +63,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
                         Convertor<int>::fromString(text, number) &&
                     static_cast<int>(code) == number,
                 "a code is read as its number");
+    std::string written;
+    fuzz::check(CastConvertor<Command::ResultCode, int>::toString(code, written) &&
+                    written == writtenByStream(number),
+                "and written as it");
     return 0;
 }

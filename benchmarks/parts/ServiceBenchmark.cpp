@@ -60,12 +60,12 @@ BENCHMARK(connectLink);
 void connectService(benchmark::State& state) {
     const tests::Silence silence;
     const Engine engine;
-    const long before = benchmarks::Memory::blocks();
+    const long before = tests::memory.blocks();
     long held = 0;
     Service service;
     measure(state, [&] {
         const bool isConnected = service.connect(engine.path()).isSuccess();
-        held = benchmarks::Memory::blocks() - before;
+        held = tests::memory.blocks() - before;
         return isConnected && engine.drop() && service.disconnect().isSuccess();
     });
     state.counters["heap blocks while connected"] = static_cast<double>(held);

@@ -5,8 +5,8 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <cerrno>
 #include <cstring>
-#include <memory>
 
 #include "tests/replacements/SystemCalls.h"
 #include "tests/support/Listener.h"
@@ -14,26 +14,26 @@
 #include "tests/support/TemporaryDirectory.h"
 
 using tests::Call;
-using tests::SystemCalls;
-using tests::TemporaryDirectory;
 using velta::zub::comms::Client;
 using velta::zub::comms::Link;
 
 namespace {
 
-std::string errnoText(int error) {
-    return " {" + std::string(std::strerror(error)) + " (Code " + std::to_string(error) + ")}";
+std::string failure(const std::string& what, int error) {
+    return "Connection has failed (Code 20002): " + what + " {" + std::strerror(error) + " (Code " +
+           std::to_string(error) + ")}";
 }
 
 // What connecting says; no failure may leave a link or a descriptor behind.
 template <typename Connect>
 std::string outcome(const Connect& connect) {
-    const int before = tests::openDescriptors();
+    const auto before = tests::openDescriptors();
     Link* link = reinterpret_cast<Link*>(1);
     const Client::Result result = connect(link);
     EXPECT_EQ(result.isSuccess(), link != nullptr);
     delete link;
     EXPECT_EQ(tests::openDescriptors(), before);
+    tests::systemCalls = {};
     return result.format();
 }
 
@@ -47,35 +47,15 @@ std::string connectTcp(const std::string& host, int port) {
 
 } // namespace
 
-TEST(CommsClient, NamesThePathAndTheErrno) {
-    const TemporaryDirectory directory;
-    const std::string path = directory.path() + "/nobody";
-    const std::string failure = "Connection has failed (Code 20002): Unable to connect to " + path;
-    EXPECT_EQ(connectUnix(path), failure + errnoText(ENOENT));
-    { const tests::Listener dead(path); }
-    EXPECT_EQ(connectUnix(path), failure + errnoText(ECONNREFUSED));
-}
-
-TEST(CommsClient, ReadsTheErrnoAfterClosing) {
-    SystemCalls::fail(Call::Close, 1, EIO);
-    const std::string unixText = connectUnix("/nowhere");
-    SystemCalls::fail(Call::Close, 1, EIO);
-    const std::string tcpText = connectTcp("127.0.0.1", 1);
-    SystemCalls::reset();
-    EXPECT_EQ(unixText,
-              "Connection has failed (Code 20002): Unable to connect to /nowhere" + errnoText(EIO));
-    EXPECT_EQ(tcpText, "Connection has failed (Code 20002): Unable to connect to 127.0.0.1:1" +
-                           errnoText(EIO));
-}
-
 TEST(CommsClient, TakesThe108BytesOfAPathAndNoMore) {
-    const TemporaryDirectory directory;
+    const tests::TemporaryDirectory directory;
     std::string path = directory.path() + "/";
     path.append(108 - path.size(), 'p');
     const tests::Listener listener(path);
     EXPECT_EQ(connectUnix(path), "Success");
     EXPECT_EQ(connectUnix(path + "more"), "Success");
-    EXPECT_NE(connectUnix(path.substr(0, 107)), "Success");
+    EXPECT_EQ(connectUnix(path.substr(0, 107)),
+              failure("Unable to connect to " + path.substr(0, 107), ENOENT));
 }
 
 TEST(CommsClient, ConnectsToTcpPortsModulo65536) {
@@ -87,10 +67,17 @@ TEST(CommsClient, ConnectsToTcpPortsModulo65536) {
     ASSERT_EQ(bind(listener, reinterpret_cast<const sockaddr*>(&address), size), 0);
     ASSERT_EQ(getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size), 0);
     const int port = ntohs(address.sin_port);
-    const std::string refused = "Connection has failed (Code 20002): Unable to connect to ";
+    const std::string target = "127.0.0.1:" + std::to_string(port);
 
     EXPECT_EQ(connectTcp("127.0.0.1", port),
-              refused + "127.0.0.1:" + std::to_string(port) + errnoText(ECONNREFUSED));
+              failure("Unable to connect to " + target, ECONNREFUSED));
+    tests::systemCalls = {Call::Socket, 0, 1, EMFILE};
+    EXPECT_EQ(connectTcp("127.0.0.1", port),
+              failure("Unable to create socket to " + target, EMFILE));
+    // The errno is looked at after closing.
+    tests::systemCalls = {Call::Close, 0, 1, EIO};
+    EXPECT_EQ(connectTcp("127.0.0.1", port), failure("Unable to connect to " + target, EIO));
+
     ASSERT_EQ(listen(listener, 4), 0);
     EXPECT_EQ(connectTcp("127.0.0.1", port), "Success");
     EXPECT_EQ(connectTcp("127.0.0.1", port + 65536), "Success");

@@ -9,34 +9,26 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
 
 namespace tests {
 
+thread_local SystemCalls systemCalls;
+std::vector<useconds_t> pauses;
+
 namespace {
 
-struct State {
-    int counts[6] = {};
-    Call failing = Call::Socket;
-    int passing = 0;
-    int failuresToCome = 0;
-    int failures = 0;
-    int error = 0;
-    std::size_t largestTransfer = SIZE_MAX;
-};
-
-thread_local State state;
-
-// Counts the call. If it must fail, sets errno.
+// If the call must fail, sets errno.
 bool mustFail(Call call) {
-    ++state.counts[static_cast<int>(call)];
-    if (call != state.failing || state.failuresToCome == 0 || state.passing-- > 0) {
+    if (call != systemCalls.failing || systemCalls.failuresToCome == 0) {
         return false;
     }
-    state.passing = 0;
-    --state.failuresToCome;
-    ++state.failures;
-    errno = state.error;
+    if (systemCalls.passing > 0) {
+        --systemCalls.passing;
+        return false;
+    }
+    --systemCalls.failuresToCome;
+    systemCalls.hasFailed = true;
+    errno = systemCalls.error;
     return true;
 }
 
@@ -46,6 +38,11 @@ bool isSocket(int fd) {
     const bool result = fstat(fd, &status) == 0 && S_ISSOCK(status.st_mode);
     errno = before;
     return result;
+}
+
+// What one transfer may move.
+std::size_t limited(int fd, std::size_t size) {
+    return isSocket(fd) ? std::min(size, systemCalls.largestTransfer) : size;
 }
 
 // The function that a replacement hides. Under a sanitizer that is the sanitizer's own, whose
@@ -60,46 +57,16 @@ Function* hidden(const char* name, Function*) {
 
 } // namespace
 
-std::vector<useconds_t> SystemCalls::pauses;
-
-void SystemCalls::reset() {
-    state = State();
-    pauses.clear();
-}
-
-int SystemCalls::count(Call call) {
-    return state.counts[static_cast<int>(call)];
-}
-
-void SystemCalls::fail(Call call, int n, int error, int times) {
-    state.failing = call;
-    state.passing = n - 1;
-    state.failuresToCome = times;
-    state.error = error;
-}
-
-int SystemCalls::failures() {
-    return state.failures;
-}
-
-void SystemCalls::limitTransfers(std::size_t largest) {
-    state.largestTransfer = largest;
-}
-
 } // namespace tests
 
-using tests::Call;
-using tests::hidden;
-using tests::isSocket;
-using tests::mustFail;
-using tests::state;
+using namespace tests;
 
 extern "C" int usleep(useconds_t microseconds) {
-    tests::SystemCalls::pauses.push_back(microseconds);
+    pauses.push_back(microseconds);
     return 0;
 }
 
-// Whether these two are declared noexcept depends on the C library.
+// Whether `socket` and `shutdown` are declared noexcept depends on the C library.
 extern "C" int socket(int domain, int type, int protocol) noexcept(noexcept(socket(0, 0, 0))) {
     static const auto function = hidden("socket", socket);
     return mustFail(Call::Socket) ? -1 : function(domain, type, protocol);
@@ -107,6 +74,7 @@ extern "C" int socket(int domain, int type, int protocol) noexcept(noexcept(sock
 
 extern "C" int shutdown(int fd, int how) noexcept(noexcept(shutdown(0, 0))) {
     static const auto function = hidden("shutdown", shutdown);
+    ++systemCalls.shutdowns;
     return mustFail(Call::Shutdown) ? -1 : function(fd, how);
 }
 
@@ -117,18 +85,12 @@ extern "C" int connect(int fd, const sockaddr* address, socklen_t size) {
 
 extern "C" ssize_t write(int fd, const void* data, std::size_t size) {
     static const auto function = hidden("write", write);
-    if (!isSocket(fd)) {
-        return function(fd, data, size);
-    }
-    return mustFail(Call::Write) ? -1 : function(fd, data, std::min(size, state.largestTransfer));
+    return isSocket(fd) && mustFail(Call::Write) ? -1 : function(fd, data, limited(fd, size));
 }
 
 extern "C" ssize_t read(int fd, void* buffer, std::size_t size) {
     static const auto function = hidden("read", read);
-    if (!isSocket(fd)) {
-        return function(fd, buffer, size);
-    }
-    return mustFail(Call::Read) ? -1 : function(fd, buffer, std::min(size, state.largestTransfer));
+    return isSocket(fd) && mustFail(Call::Read) ? -1 : function(fd, buffer, limited(fd, size));
 }
 
 extern "C" int close(int fd) {

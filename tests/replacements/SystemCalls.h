@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace tests {
@@ -10,27 +11,22 @@ namespace tests {
 /// The system calls of a connection's life.
 enum class Call { Socket, Connect, Write, Read, Shutdown, Close };
 
-/// Watches some functions of the C library, which are replaced in the test programs, and makes them
-/// fail. Only calls on sockets count: the C library may call the same functions for its own files.
-/// All but the pauses is kept apart for each thread, so that an engine's thread is not disturbed.
+/// What one thread calls of the C library, and which of these calls fail. The functions are
+/// replaced in the test programs. Only calls on sockets count: the C library may use the same
+/// functions for files of its own.
 struct SystemCalls {
-    /// Forgets everything.
-    static void reset();
-
-    /// Calls of this thread.
-    static int count(Call call);
-
-    /// Makes the n-th such call from now on fail, and the `times - 1` after it. A call that fails
-    /// does nothing, except that `close` closes all the same. There is one such plan at a time.
-    static void fail(Call call, int n, int error, int times = 1);
-
-    /// Calls that were made to fail.
-    static int failures();
-
-    /// Lets one `read` or `write` move this many bytes at most.
-    static void limitTransfers(std::size_t largest);
-
-    static std::vector<useconds_t> pauses; ///< Arguments of `usleep`, which does not sleep.
+    Call failing = Call::Socket;
+    int passing = 0;        ///< How many such calls succeed first.
+    int failuresToCome = 0; ///< And how many fail then. `close` closes all the same.
+    int error = 0;          ///< Their errno.
+    std::size_t largestTransfer = SIZE_MAX; ///< What one `read` or `write` moves at most.
+    bool hasFailed = false;
+    int shutdowns = 0;
 };
+
+extern thread_local SystemCalls systemCalls;
+
+/// Arguments of `usleep`, which does not sleep.
+extern std::vector<useconds_t> pauses;
 
 } // namespace tests

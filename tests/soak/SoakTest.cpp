@@ -195,7 +195,7 @@ TEST(Soak, EveryOutcomeOfTenThousandExchangesIsExplainedAndNothingGrows) {
     {
         const tests::Silence silence;
         pipeline.run(exchanges / 10);
-        const int descriptors = tests::openDescriptors();
+        const auto descriptors = tests::openDescriptors();
         const std::size_t memory = mallinfo2().uordblks;
         pipeline.run(exchanges - exchanges / 10);
         EXPECT_EQ(tests::openDescriptors(), descriptors);
@@ -221,7 +221,7 @@ TEST(Soak, AWaitEndsWithTheEngine) {
     std::signal(SIGPIPE, SIG_IGN);
     const tests::Silence silence;
     Service service;
-    int descriptors = 0;
+    long descriptors = 0;
     for (int round = 0; round < 20; ++round) {
         Engine engine({"--every", "3", "--seed", std::to_string(round), "--fault", "silence",
                        "--fault", "zero"});

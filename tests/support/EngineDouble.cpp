@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace tests {
@@ -27,45 +28,36 @@ std::string EngineDouble::received() {
 }
 
 void EngineDouble::serve() {
+    int fd;
     do {
-        const int fd = _listener.accept();
-        if (fd < 0) {
-            return;
+        fd = _listener.accept();
+        while (receive(fd) && answer(fd)) {
         }
-        serveClient(fd);
         close(fd);
-    } while (_script == ForEver);
+    } while (_script == ForEver && fd >= 0);
 }
 
-void EngineDouble::serveClient(int fd) {
-    std::size_t requestStart = 0;
-    char chunk[256];
-    ssize_t n;
-    while ((n = read(fd, chunk, sizeof(chunk))) > 0) {
-        _received.append(chunk, static_cast<std::size_t>(n));
-        const std::size_t end = _received.find("\n\n", requestStart);
-        if (end == std::string::npos) {
-            continue;
-        }
-        requestStart = end + 2;
-        if (!answer(fd)) {
-            return;
-        }
-        if (_script == ForEver) {
-            _received.clear();
-            requestStart = 0;
-        }
+// One request. A client waits for the answer before it sends the next one.
+bool EngineDouble::receive(int fd) {
+    ssize_t n = 0;
+    _request.clear();
+    do {
+        char chunk[256];
+        n = read(fd, chunk, sizeof(chunk));
+        _request.append(chunk, static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
+    } while (n > 0 &&
+             (_request.size() < 2 || _request.compare(_request.size() - 2, 2, "\n\n") != 0));
+    if (_script == Once) {
+        _received += _request;
     }
+    return n > 0;
 }
 
 bool EngineDouble::answer(int fd) {
-    if (_next == _frames.size()) {
+    if (_script == Once && _next == _frames.size()) {
         return false;
     }
-    const std::string& frame = _frames[_next++];
-    if (_script == ForEver) {
-        _next %= _frames.size();
-    }
+    const std::string& frame = _frames[_next++ % _frames.size()];
     return send(fd, frame.data(), frame.size(), MSG_NOSIGNAL) >= 0;
 }
 

@@ -32,13 +32,14 @@ public:
 
 private:
     void serve();
-    void serveClient(int fd);
+    bool receive(int fd);
     bool answer(int fd);
 
     TemporaryDirectory _directory;
     std::vector<std::string> _frames;
     Script _script;
     std::size_t _next = 0;
+    std::string _request;
     std::string _received;
     Listener _listener;
     std::thread _thread;

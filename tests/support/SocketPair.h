@@ -7,8 +7,7 @@
 
 namespace tests {
 
-/// Two connected sockets: the near one is for the object under test, which takes it over, the far
-/// one plays the peer.
+/// Two connected sockets: the object under test takes over the near one, the far one is its peer.
 class SocketPair {
 public:
     explicit SocketPair(int type = SOCK_STREAM) { socketpair(AF_UNIX, type, 0, _fds); }
@@ -19,33 +18,19 @@ public:
     SocketPair& operator=(const SocketPair&) = delete;
 
     int takeNear() const { return _fds[0]; }
+    int far() const { return _fds[1]; }
 
     void send(const std::string& bytes) const {
         ::send(_fds[1], bytes.data(), bytes.size(), MSG_NOSIGNAL);
     }
 
-    /// What one read brings.
+    /// What has arrived, or nothing. Does not wait.
     std::string receive() const {
-        std::string bytes(65536, '\0');
-        const ssize_t n = read(_fds[1], bytes.data(), bytes.size());
+        std::string bytes(4096, '\0');
+        const ssize_t n = recv(_fds[1], bytes.data(), bytes.size(), MSG_DONTWAIT);
         bytes.resize(n < 0 ? 0 : static_cast<std::size_t>(n));
         return bytes;
     }
-
-    /// So many bytes, or fewer if the other side closes.
-    std::string receiveBytes(std::size_t count) const {
-        std::string bytes;
-        while (bytes.size() < count) {
-            const std::string some = receive();
-            if (some.empty()) {
-                break;
-            }
-            bytes += some;
-        }
-        return bytes;
-    }
-
-    int far() const { return _fds[1]; }
 
     void closeFar() {
         if (_fds[1] >= 0) {

@@ -9,7 +9,7 @@
 
 #include "comms/Client.h"
 #include "lipsyncapi/Service.h"
-#include "tests/replacements/LogCapture.h"
+#include "tests/support/Silence.h"
 #include "tests/support/Listener.h"
 #include "tests/support/Process.h"
 #include "tests/support/TemporaryDirectory.h"
@@ -54,7 +54,7 @@ protected:
                static_cast<double>(t.jbmCurrentDepth);
     }
 
-    tests::LogCapture log; // Keeps the log lines of the library out of the test's output.
+    tests::Silence silence;
     tests::TemporaryDirectory directory;
     std::string socket = directory.path() + "/engine";
 };

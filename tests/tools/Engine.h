@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/replacements/LogCapture.h"
+#include "tests/support/Silence.h"
 #include "tests/support/Process.h"
 #include "tests/support/TemporaryDirectory.h"
 

@@ -74,7 +74,7 @@ TEST(Faults, GiveTheResultsThatAreDocumented) {
 }
 
 TEST(Faults, OfDeliveryAreSeenByTheNextCallOrTheClock) {
-    const tests::LogCapture log;
+    const tests::Silence silence;
     Engine twice({"--fault", "double"});
     Service service;
     LipSyncNtpTimestamps timestamps;
@@ -105,7 +105,7 @@ TEST(Faults, SpoilSomeAnswersRepeatably) {
         }
         return codes;
     };
-    const tests::LogCapture log;
+    const tests::Silence silence;
     EXPECT_EQ(outcomes({"--every", "3"}), "..7..8..7..8");
     EXPECT_EQ(outcomes({}), "787878787878");
     const std::string random = outcomes({"--every", "2", "--seed", "5"});
@@ -114,7 +114,7 @@ TEST(Faults, SpoilSomeAnswersRepeatably) {
 }
 
 TEST(Faults, ChangeByLinesOnStandardInput) {
-    const tests::LogCapture log;
+    const tests::Silence silence;
     Engine engine({});
     Service service;
     service.connect(engine.socket());
@@ -136,7 +136,7 @@ TEST(Faults, ChangeByLinesOnStandardInput) {
 }
 
 TEST(Faults, OfOneClientDoNotHoldUpAnother) {
-    const tests::LogCapture log;
+    const tests::Silence silence;
     Engine engine({"--fault", "delay 60000", "--fault", "flood", "--every", "2"});
     // The first answer is good, the second delayed, the third good, the fourth floods a client
     // that does not read.
@@ -149,7 +149,7 @@ TEST(Faults, OfOneClientDoNotHoldUpAnother) {
 }
 
 TEST(Faults, RecordedAnswersCanBeReplayed) {
-    const tests::LogCapture log;
+    const tests::Silence silence;
     const tests::TemporaryDirectory directory;
     const std::string file = directory.path() + "/record";
     const auto read = [](Engine& engine) {

@@ -4,20 +4,22 @@
 #include "utilities/log/Assertion.h"
 #include "utilities/log/GenericLog.h"
 
-using tests::LogCapture;
 using velta::utilities::StandardLog;
 using velta::utilities::details::Level;
 
-TEST(Log, WritesTheTextAsItIsToBothOutputs) {
-    LogCapture capture;
-    { StandardLog::Stream<Level::Info>("TAG") << "100%s %n " << 1234567; }
-    { StandardLog::Stream<Level::Fatal>("OTHER") << "x"; }
-    { StandardLog::Stream<Level::Info> silent("TAG"); }
-    EXPECT_EQ(capture.records(), (std::vector<std::string>{"4/TAG 100%s %n 1234567", "7/OTHER x"}));
-    EXPECT_EQ(capture.standardError(), "I/TAG 100%s %n 1234567\nF/OTHER x\n");
+TEST(Log, WritesTheTextAsItIsToThePlatformThenToStandardError) {
+    // Longer than a line that is written at once.
+    const std::string longText(2000, 'x');
+    const std::string log = tests::logOf([&] {
+        { StandardLog::Stream<Level::Info>("TAG") << "100%s %n " << -7 << ' ' << 5UL; }
+        { StandardLog::Stream<Level::Fatal>("OTHER") << longText; }
+        { StandardLog::Stream<Level::Info> silent("TAG"); }
+    });
+    EXPECT_EQ(log, "platform 4/TAG 100%s %n -7 5\nI/TAG 100%s %n -7 5\nplatform 7/OTHER " +
+                       longText + "\nF/OTHER " + longText + '\n');
 }
 
-TEST(LogDeathTest, AnAssertionLogsToThePlatformThenToStandardErrorThenAborts) {
+TEST(LogDeathTest, AnAssertionLogsAndAborts) {
     const int answer = 41;
     EXPECT_EXIT(VELTA_ASSERT("folder/File.cpp", 12, answer == 42, "It is not"),
                 testing::KilledBySignal(SIGABRT),

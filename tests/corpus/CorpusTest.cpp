@@ -1,0 +1,45 @@
+// What the fuzzers check, over all inputs that they have kept.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+using Fuzzer = int(const std::uint8_t* data, std::size_t size);
+
+extern "C" {
+Fuzzer fuzzApiLog;
+Fuzzer fuzzDocument;
+Fuzzer fuzzExchange;
+Fuzzer fuzzNumber;
+Fuzzer fuzzThroughputLimit;
+}
+
+namespace {
+
+// A fuzzer that finds a fault ends the process.
+void run(Fuzzer& fuzzer, const std::string& corpus) {
+    int inputs = 0;
+    for (const auto& file : std::filesystem::directory_iterator(CORPUS "/" + corpus)) {
+        std::puts(file.path().c_str());
+        std::ifstream stream(file.path(), std::ios::binary);
+        const std::string input(std::istreambuf_iterator<char>(stream), {});
+        fuzzer(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());
+        ++inputs;
+    }
+    EXPECT_GT(inputs, 5);
+}
+
+} // namespace
+
+// clang-format off
+TEST(Corpus, ApiLog) { run(fuzzApiLog, "ApiLog"); }
+TEST(Corpus, Document) { run(fuzzDocument, "Document"); }
+TEST(Corpus, Exchange) { run(fuzzExchange, "Exchange"); }
+TEST(Corpus, Number) { run(fuzzNumber, "Number"); }
+TEST(Corpus, ThroughputLimit) { run(fuzzThroughputLimit, "ThroughputLimit"); }
+// clang-format on

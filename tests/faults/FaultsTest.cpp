@@ -1,0 +1,237 @@
+// Each system call and each allocation of each operation fails: what is left behind then.
+
+#include <gtest/gtest.h>
+#include <tinyxml.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <new>
+#include <optional>
+
+#include "lipsyncapi/Service.h"
+#include "tests/replacements/Memory.h"
+#include "tests/replacements/SystemCalls.h"
+#include "tests/support/EngineDouble.h"
+#include "tests/support/Frames.h"
+#include "tests/support/OpenDescriptors.h"
+#include "tests/support/Silence.h"
+
+using tests::Call;
+using tests::memory;
+using tests::SystemCalls;
+using tests::systemCalls;
+using velta::zub::lipsyncapi::Service;
+
+namespace {
+
+struct Caller {
+    std::string path; // Of the engine.
+    std::optional<Service> service{std::in_place};
+    velta::zub::common::LipSyncNtpTimestamps timestamps{5, 6, 7, 8};
+};
+
+struct Operation {
+    bool isConnected; // Before the call.
+    Service::Result (*run)(Caller& caller);
+    std::string result; // When nothing fails.
+    std::string answer = "";
+};
+
+Service::Result connect(Caller& c) {
+    return c.service->connect(c.path);
+}
+Service::Result setMargin(Caller& c) {
+    return c.service->setAudioDelayMargin(40);
+}
+Service::Result getTimestamps(Caller& c) {
+    return c.service->getAudioTimestamps(c.timestamps);
+}
+
+const std::string nowhere = "/nowhere/to/be/found";
+// Longer than what one read brings.
+const std::string longText(600, 'm');
+
+// clang-format off
+const Operation operations[] = {
+    {false, connect, "Success"},
+    {false, [](Caller& c) { return c.service->connect(nowhere); },
+     "Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code 20002): Unable to "
+     "connect to " + nowhere + " {No such file or directory (Code 2)}}"},
+    {true, connect, "Bad state (Code 1003): Already connected to the audio ZUB"},
+    {true, [](Caller& c) { return c.service->disconnect(); }, "Success"},
+    {true, [](Caller& c) { return c.service.reset(), Service::Result::success(); }, "Success"},
+    {true, setMargin, "Success", tests::delayFrame("1000")},
+    {true, setMargin, "The lipsync server returned an error (Code 1006): {Unknown error (Code "
+     "1001): " + longText + '}', tests::delayFrame("1001", longText)},
+    {true, getTimestamps, "Success", tests::timestampsFrame("1", "2", "3", "4")},
+    // An entity is left to TinyXML.
+    {true, getTimestamps, "The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): "
+     "&}", tests::timestampsFrame("1", "2", "3", "4", "1003", "&amp;")},
+};
+// clang-format on
+
+char lastRecord[4096];
+
+// What a call leaves behind. Its texts take no memory while memory is watched.
+struct Outcome {
+    Outcome() {
+        result.reserve(sizeof(lastRecord));
+        record.reserve(sizeof(lastRecord));
+    }
+
+    std::string path;   // Of the engine.
+    std::string result; // Formatted, or "bad_alloc".
+    std::string record; // The line in the log, if there was one.
+    bool hasFailed = false;
+    long lostBlocks = 0;
+};
+
+void callWithFault(const Operation& operation, const SystemCalls& plan, int failingAllocation,
+                   Caller& caller, Outcome& outcome) {
+    std::optional<Service::Result> result;
+    lastRecord[0] = '\0';
+    systemCalls = plan;
+    memory.fail(failingAllocation);
+    try {
+        result.emplace(operation.run(caller));
+    } catch (const std::bad_alloc&) {
+    }
+    outcome.hasFailed = systemCalls.hasFailed || memory.hasFailed;
+    memory.fail(0);
+    systemCalls = {};
+    outcome.result.assign(result ? result->format() : "bad_alloc");
+    outcome.record.assign(lastRecord);
+    // Values are handed out only with a success.
+    EXPECT_EQ(caller.timestamps.jbmCurrentDepth != 8,
+              operation.run == getTimestamps && outcome.result == "Success");
+}
+
+// Runs an operation on a service of its own, which can be connected again whatever has failed.
+Outcome run(const Operation& operation, const SystemCalls& plan, int failingAllocation = 0) {
+    Outcome outcome;
+    const auto descriptors = tests::openDescriptors();
+    {
+        const tests::EngineDouble engine({operation.answer});
+        outcome.path = engine.path();
+        const long blocks = memory.blocks();
+        {
+            Caller caller{outcome.path};
+            if (operation.isConnected) {
+                connect(caller);
+            }
+            callWithFault(operation, plan, failingAllocation, caller, outcome);
+            if (caller.service) {
+                caller.service->disconnect();
+                EXPECT_EQ(connect(caller).format(), "Success");
+            }
+        }
+        outcome.lostBlocks = memory.blocks() - blocks;
+    }
+    EXPECT_EQ(tests::openDescriptors(), descriptors);
+    return outcome;
+}
+
+// What an operation comes to when a system call fails in it.
+std::string expected(const Operation& operation, Call call, int error, const std::string& path) {
+    const std::string cause =
+        std::string("{") + std::strerror(error) + " (Code " + std::to_string(error) + ")}";
+    const bool isToNobody = operation.result.find(nowhere) != std::string::npos;
+    const std::string cannotConnect =
+        "Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code 20002): ";
+    const std::string broken = "An error has occured in the transport layer (Code 1005): {";
+    if (call == Call::Socket) {
+        return cannotConnect + cause + '}';
+    }
+    // A connect that has failed looks at the errno after closing.
+    if (call == Call::Connect || (call == Call::Close && isToNobody)) {
+        return cannotConnect + "Unable to connect to " + (isToNobody ? nowhere : path) + ' ' +
+               cause + '}';
+    }
+    if (call == Call::Close || call == Call::Shutdown || error == EINTR || error == EAGAIN) {
+        return operation.result;
+    }
+    if (error == (call == Call::Write ? EPIPE : ECONNRESET)) {
+        return broken +
+               "Connection closed by distant (Code 5905): {Protocol has been closed by distant "
+               "(Code 40005): {Closed by distant (Code 10003)}}}";
+    }
+    return broken +
+           "Protocol error (Code 5902): {Link error (Code 40003): {I/O error (Code "
+           "10004): " +
+           cause + "}}}";
+}
+
+// How many blocks the parser alone loses of an answer when its allocations fail one by one: it
+// forgets the node that it is reading.
+long blocksLostByParser(const std::string& answer) {
+    const std::string text = answer.substr(0, answer.find("\n\n"));
+    const long blocks = memory.blocks();
+    for (int n = 1; n == 1 || memory.hasFailed; ++n) {
+        try {
+            TiXmlDocument document;
+            memory.fail(n);
+            document.Parse(text.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
+        } catch (const std::bad_alloc&) {
+        }
+    }
+    memory.fail(0);
+    return memory.blocks() - blocks;
+}
+
+} // namespace
+
+TEST(Faults, EveryFailingSystemCallEndsInItsResult) {
+    const tests::Silence silence;
+    for (const Operation& operation : operations) {
+        for (const Call call :
+             {Call::Socket, Call::Connect, Call::Write, Call::Read, Call::Shutdown, Call::Close}) {
+            for (const int error : {EINTR, EAGAIN, EPIPE, ECONNRESET, EBADF, EMFILE}) {
+                Outcome outcome;
+                // In pieces, so that the fault finds messages half through.
+                for (int n = 0; n == 0 || outcome.hasFailed; ++n) {
+                    outcome = run(operation, {call, n, 100, error, 16});
+                    const std::string result = outcome.hasFailed
+                                                   ? expected(operation, call, error, outcome.path)
+                                                   : operation.result;
+                    EXPECT_EQ(outcome.result, result) << "after " << n << " such calls";
+                    EXPECT_EQ(outcome.lostBlocks, 0);
+                }
+            }
+        }
+    }
+}
+
+TEST(Faults, EveryFailingAllocationEndsTheCallAndNothingIsLost) {
+    const tests::Silence silence;
+    for (const Operation& operation : operations) {
+        const Outcome plain = run(operation, {});
+        long lostBlocks = 0;
+        Outcome outcome;
+        for (int n = 1; n == 1 || outcome.hasFailed; ++n) {
+            outcome = run(operation, {}, n);
+            lostBlocks += outcome.lostBlocks;
+            EXPECT_TRUE(outcome.result == plain.result || outcome.result == "bad_alloc");
+            // A line for which there is no memory is dropped as a whole.
+            EXPECT_TRUE(outcome.record.empty() || outcome.record.size() == plain.record.size());
+        }
+        // An answer that needs no parser loses nothing.
+        EXPECT_TRUE(lostBlocks == 0 || lostBlocks == blocksLostByParser(operation.answer));
+    }
+}
+
+TEST(Faults, ASuccessTakesNoMemory) {
+    const Service::Result success = Service::Result::success();
+    const long before = memory.allocations;
+    Service::Result copy = Service::ResultCode::UnknownError;
+    copy = Service::Result(success, Service::ResultCode::TransportError, success.code);
+    EXPECT_EQ(copy.format(), "Success");
+    EXPECT_EQ(memory.allocations, before);
+}
+
+// Takes the place of the platform's log writer, and needs no memory.
+extern "C" int __android_log_vprint(int, const char*, const char* format, va_list args) {
+    std::vsnprintf(lastRecord, sizeof(lastRecord), format, args);
+    return 1;
+}

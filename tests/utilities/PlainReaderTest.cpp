@@ -1,0 +1,43 @@
+#include "utilities/xmlserializer/PlainReader.h"
+
+#include <gtest/gtest.h>
+
+#include "lipsync/SerializationTraits.h"
+#include "tests/support/Frames.h"
+
+using velta::utilities::xmlserializer::detail::readPlainDocument;
+using velta::zub::lipsync::GetAudioTs;
+
+namespace {
+
+// The verdict, or "by tree". That both ways read the same is checked over the fuzzer's corpus.
+std::string readPlain(std::string text, const std::string& version = "0.1.0") {
+    text.resize(text.size() - 2);
+    GetAudioTs::Answer answer;
+    using Trait = velta::zub::lipsync::SerializationTraitGetAudioTsAnswer;
+    const bool isRead = readPlainDocument<Trait>(text, "AZUB", version, answer);
+    EXPECT_EQ(answer.timestamps.audioCaptureTimestamp, isRead ? 1UL : 0UL);
+    return isRead ? answer.result.format() : "by tree";
+}
+
+std::string withMessage(const std::string& message, const std::string& code = "1002") {
+    return tests::timestampsFrame("1", "2", "3", "4", code, message);
+}
+
+} // namespace
+
+TEST(PlainReader, ReadsWhatTheEnginePrints) {
+    EXPECT_EQ(readPlain(withMessage("")), "Invalid parameter (Code 1002)");
+    EXPECT_EQ(readPlain(withMessage(" ~ b.", "0x3eb")), "Bad state (Code 1003):  ~ b.");
+}
+
+TEST(PlainReader, LeavesEverythingElseToTinyXml) {
+    for (const char* const message : {"  ", "&amp;", "a\nb", "\x7f", "a<!-- -->", "'", "\"", ">"}) {
+        EXPECT_EQ(readPlain(withMessage(message)), "by tree") << message;
+    }
+    EXPECT_EQ(readPlain(withMessage("", "1002 ")), "by tree");
+    EXPECT_EQ(readPlain(withMessage("") + "\n\n"), "by tree");
+    std::string withEntity = withMessage("");
+    withEntity.replace(withEntity.find("0.1.0"), 5, "&amp;");
+    EXPECT_EQ(readPlain(withEntity, "&amp;"), "by tree");
+}
