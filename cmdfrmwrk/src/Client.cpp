@@ -20,7 +20,7 @@ Client::Result Client::exchange(const std::string& request, std::unique_ptr<std:
     }
     VELTA_ASSERT("lipsyncapi/src/Service.cpp", 94, answerStr != NULL, "answer string is null");
     answer.reset(answerStr);
-    return Result::success();
+    return ResultCode::Success;
 }
 
 } // namespace velta::zub::cmdfrmwrk

@@ -21,7 +21,7 @@ Peer::~Peer() = default;
 Peer::Result Peer::toPeerResult(const comms::TextProtocol::Result& result) {
     using ProtocolCode = comms::TextProtocol::ResultCode;
     switch (result.code) {
-        case ProtocolCode::Success: return Result::success();
+        case ProtocolCode::Success: return ResultCode::Success;
         case ProtocolCode::ProtocolClosed: return Result(ResultCode::ConnectionClosed) << result;
         case ProtocolCode::ProtocolClosedByDistant:
             return Result(ResultCode::ConnectionClosedByDistant) << result;

@@ -63,7 +63,7 @@ Client::Result Client::connectUnixServer(const char* name, Link*& link) {
         const auto cause = lastError();
         return Result(ResultCode::ConnectionFailed) << "Unable to connect to " << name << cause;
     }
-    return Result::success();
+    return ResultCode::Success;
 }
 
 Client::Result Client::connectTcpServer(const char* host, int port, Link*& link) {
@@ -86,7 +86,7 @@ Client::Result Client::connectTcpServer(const char* host, int port, Link*& link)
         return Result(ResultCode::ConnectionFailed)
                << "Unable to connect to " << host << ':' << port << cause;
     }
-    return Result::success();
+    return ResultCode::Success;
 }
 
 } // namespace velta::zub::comms

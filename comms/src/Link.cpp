@@ -77,7 +77,7 @@ Link::Result Link::write(const void* data, std::size_t size) {
             return ioError(error);
         }
     }
-    return Result::success();
+    return ResultCode::Success;
 }
 
 Link::Result Link::read(void* buffer, std::size_t size, std::size_t& bytesRead) {
@@ -93,7 +93,7 @@ Link::Result Link::read(void* buffer, std::size_t size, std::size_t& bytesRead) 
         }
         if (n > 0) {
             bytesRead = static_cast<std::size_t>(n);
-            return Result::success();
+            return ResultCode::Success;
         }
         if (n == 0 || error == ECONNRESET) {
             return ResultCode::ClosedByDistant;

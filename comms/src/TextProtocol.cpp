@@ -11,7 +11,7 @@ char receiveChunkBytes[512];
 TextProtocol::Result toProtocolResult(const Link::Result& result) {
     using ResultCode = TextProtocol::ResultCode;
     switch (result.code) {
-        case Link::ResultCode::Success: return TextProtocol::Result::success();
+        case Link::ResultCode::Success: return ResultCode::Success;
         case Link::ResultCode::Closed:
             return TextProtocol::Result(ResultCode::ProtocolClosed) << result;
         case Link::ResultCode::ClosedByDistant:
@@ -48,7 +48,7 @@ TextProtocol::Result TextProtocol::receive(std::string*& message) {
     }
     message = new std::string(_receiveBuffer, 0, end);
     _receiveBuffer.erase(0, end + endMessageMarker.size());
-    return Result::success();
+    return ResultCode::Success;
 }
 
 // Appends what one read brings. A zero byte ends the chunk: it and what follows it are dropped.

@@ -72,11 +72,7 @@ const char* Service::ResultTrait::text(ResultCode code) {
     return utilities::result::unreachableText;
 }
 
-Service::Service() : _commandClient(nullptr), _state(State::Disconnected), _audioDelayMargin(0) {
-    // A service with static storage still needs this object when it is destroyed at exit, so the
-    // object must have been constructed first.
-    Result::success();
-}
+Service::Service() : _commandClient(nullptr), _state(State::Disconnected), _audioDelayMargin(0) {}
 
 Service::~Service() {
     try {
@@ -110,7 +106,7 @@ Service::Result Service::connectInternal(const std::string& socketName) {
     _commandClient = new cmdfrmwrk::Client(link.get());
     static_cast<void>(link.release());
     _state = State::Connected;
-    return Result::success();
+    return ResultCode::Success;
 }
 
 Service::Result Service::disconnect() {
@@ -126,7 +122,7 @@ Service::Result Service::disconnectInternal() {
     delete _commandClient;
     _commandClient = nullptr;
     _state = State::Disconnected;
-    return Result::success();
+    return ResultCode::Success;
 }
 
 Service::Result Service::getCapabilities(unsigned long& granularityMs,
@@ -138,7 +134,7 @@ Service::Result Service::getCapabilities(unsigned long& granularityMs,
                  "Inconsistent state client is null");
     granularityMs = marginStepMs;
     maxAudioDelayMarginMs = largestMarginMs;
-    return Result::success();
+    return ResultCode::Success;
 }
 
 Service::Result Service::getAudioDelayMargin(unsigned long& marginMs) const {
@@ -146,7 +142,7 @@ Service::Result Service::getAudioDelayMargin(unsigned long& marginMs) const {
         return notConnected();
     }
     marginMs = _audioDelayMargin;
-    return Result::success();
+    return ResultCode::Success;
 }
 
 Service::Result Service::setAudioDelayMargin(unsigned long delayMs) {
@@ -219,7 +215,7 @@ Service::Result Service::setVideoTimestamps(const common::LipSyncNtpTimestamps&)
     if (_state != State::Connected) {
         return notConnected();
     }
-    return Result::success();
+    return ResultCode::Success;
 }
 
 } // namespace velta::zub::lipsyncapi

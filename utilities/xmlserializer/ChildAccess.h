@@ -17,7 +17,7 @@ struct ChildAccess {
                    << "No element node \"" << Trait::tag << "\" found in node \"" << parent.Value()
                    << "\"";
         }
-        return Result::success();
+        return ResultCode::Success;
     }
 };
 
@@ -33,7 +33,7 @@ struct ChildAccess<serializer::TextTrait<T, Convertor>> {
                    << "Node \"" << parent.Value()
                    << "\" does not contain an expected text node child";
         }
-        return Result::success();
+        return ResultCode::Success;
     }
 };
 

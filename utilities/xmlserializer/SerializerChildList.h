@@ -19,8 +19,8 @@ struct SerializerChildList;
 
 template <typename Record>
 struct SerializerChildList<Record, utilities::detail::TypeNull> {
-    static Result toXml(const Record&, TiXmlNode&) { return Result::success(); }
-    static Result fromXml(const TiXmlNode&, Record&) { return Result::success(); }
+    static Result toXml(const Record&, TiXmlNode&) { return ResultCode::Success; }
+    static Result fromXml(const TiXmlNode&, Record&) { return ResultCode::Success; }
 };
 
 template <typename Record, typename Child, typename Others>

@@ -44,7 +44,7 @@ public:
             return result << " (While serializing \"" << Trait::tag << "\")";
         }
         text = detail::printDocument(rootTag, version, std::move(command));
-        return Result::success();
+        return ResultCode::Success;
     }
 
     /// After a failure `answer` may be filled in part: fields read before the failing one are set.
@@ -52,7 +52,7 @@ public:
     Result deserialize(const std::string& text, Answer& answer) const {
         using Trait = typename detail::TraitOf<Traits, Answer>::Head;
         if (detail::readPlainDocument<Trait>(text, rootTag, version, answer)) {
-            return Result::success();
+            return ResultCode::Success;
         }
         TiXmlDocument document;
         const TiXmlElement* command = nullptr;

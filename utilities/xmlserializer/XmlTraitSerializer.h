@@ -55,7 +55,7 @@ struct XmlTraitSerializer<serializer::TextTrait<T, Convertor>> {
                    << "Unable to convert \"" << value << "\" to string.";
         }
         node = new TiXmlText(text.c_str());
-        return Result::success();
+        return ResultCode::Success;
     }
 
     /// After a failure `value` is unchanged.
@@ -67,7 +67,7 @@ struct XmlTraitSerializer<serializer::TextTrait<T, Convertor>> {
             return Result(ResultCode::ConversionFailed)
                    << "Unable to convert from string \"" << node.Value() << "\".";
         }
-        return Result::success();
+        return ResultCode::Success;
     }
 };
 
@@ -95,7 +95,7 @@ private:
             return found;
         }
         value = T{};
-        return Result::success();
+        return ResultCode::Success;
     }
 };
 

@@ -11,6 +11,9 @@ namespace {
 // which this library has a copy of its own, and is set before any thread can parse.
 const bool whiteSpaceIsKept = (TiXmlBase::SetCondenseWhiteSpace(false), true);
 
+// As TinyXML prints it.
+constexpr const char* declaration = "<?xml version=\"1.0\" ?>";
+
 Result failure() {
     return ResultCode::ConversionFailed;
 }
@@ -25,9 +28,8 @@ std::string printDocument(const std::string& rootTag, const std::string& version
 
     TiXmlPrinter printer;
     printer.SetStreamPrinting();
-    TiXmlDeclaration("1.0", "", "").Accept(&printer);
     root.Accept(&printer);
-    return printer.CStr();
+    return std::string(declaration) + printer.CStr();
 }
 
 Result parseDocument(const std::string& text, const std::string& rootTag,
@@ -60,7 +62,7 @@ Result parseDocument(const std::string& text, const std::string& rootTag,
     if (command == nullptr) {
         return failure() << "No content under root element.";
     }
-    return Result::success();
+    return ResultCode::Success;
 }
 
 } // namespace velta::utilities::xmlserializer::detail

@@ -6,7 +6,7 @@ namespace velta::utilities::xmlserializer::detail {
 
 Result checkName(const TiXmlNode& element, const char* tag) {
     if (std::strcmp(element.Value(), tag) == 0) {
-        return Result::success();
+        return ResultCode::Success;
     }
     return Result(ResultCode::WrongXmlNode) << "Trying to deserialize the wrong element.Found \""
                                             << element.Value() << "\" expected " << tag;
