@@ -13,12 +13,14 @@ public:
     XmlSerializer() : utilities::xmlserializer::XmlSerializer<Traits>("AZUB", versionText()) {}
 
 private:
-    static std::string versionText() {
+    static const std::string& versionText() {
         constexpr unsigned int majorVersion = 0;
         constexpr unsigned int minorVersion = 1;
         constexpr unsigned int patchVersion = 0;
-        return std::to_string(majorVersion) + '.' + std::to_string(minorVersion) + '.' +
-               std::to_string(patchVersion);
+        static const std::string text = std::to_string(majorVersion) + '.' +
+                                        std::to_string(minorVersion) + '.' +
+                                        std::to_string(patchVersion);
+        return text;
     }
 };
 
