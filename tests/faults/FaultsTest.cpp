@@ -113,7 +113,7 @@ Outcome run(const Operation& operation, const SystemCalls& plan, int failingAllo
     Outcome outcome;
     const auto descriptors = tests::openDescriptors();
     {
-        const tests::EngineDouble engine({operation.answer});
+        tests::EngineDouble engine({operation.answer});
         outcome.path = engine.path();
         const long blocks = memory.blocks();
         {
@@ -128,6 +128,10 @@ Outcome run(const Operation& operation, const SystemCalls& plan, int failingAllo
             }
         }
         outcome.lostBlocks = memory.blocks() - blocks;
+        // A request is sent as a whole, in any number of pieces.
+        const std::string request = engine.received();
+        EXPECT_TRUE(outcome.hasFailed || request.empty() ||
+                    request.find("\n\n") == request.size() - 2);
     }
     EXPECT_EQ(tests::openDescriptors(), descriptors);
     return outcome;

@@ -45,8 +45,7 @@ bool EngineDouble::receive(int fd) {
         char chunk[256];
         n = read(fd, chunk, sizeof(chunk));
         _request.append(chunk, static_cast<std::size_t>(std::max<ssize_t>(n, 0)));
-    } while (n > 0 &&
-             (_request.size() < 2 || _request.compare(_request.size() - 2, 2, "\n\n") != 0));
+    } while (n > 0 && _request.find("\n\n") == std::string::npos);
     if (_script == Once) {
         _received += _request;
     }

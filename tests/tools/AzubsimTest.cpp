@@ -9,9 +9,9 @@
 
 #include "comms/Client.h"
 #include "lipsyncapi/Service.h"
-#include "tests/support/Silence.h"
 #include "tests/support/Listener.h"
 #include "tests/support/Process.h"
+#include "tests/support/Silence.h"
 #include "tests/support/TemporaryDirectory.h"
 
 using tests::Process;
