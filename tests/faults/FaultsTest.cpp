@@ -50,6 +50,9 @@ Service::Result getTimestamps(Caller& c) {
 }
 
 const std::string nowhere = "/nowhere/to/be/found";
+const std::string closedByDistant =
+    "Connection closed by distant (Code 5905): {Protocol has been closed by distant (Code 40005): "
+    "{Closed by distant (Code 10003)}}}";
 // Longer than what one read brings.
 const std::string longText(600, 'm');
 
@@ -88,8 +91,13 @@ struct Outcome {
     long lostBlocks = 0;
 };
 
-void callWithFault(const Operation& operation, const SystemCalls& plan, int failingAllocation,
-                   Caller& caller, Outcome& outcome) {
+// Runs an operation on a service of its own, which can be connected again whatever has failed.
+void run(const Operation& operation, const SystemCalls& plan, int failingAllocation,
+         Outcome& outcome) {
+    Caller caller{outcome.path};
+    if (operation.isConnected) {
+        connect(caller);
+    }
     std::optional<Service::Result> result;
     lastRecord[0] = '\0';
     systemCalls = plan;
@@ -106,27 +114,20 @@ void callWithFault(const Operation& operation, const SystemCalls& plan, int fail
     // Values are handed out only with a success.
     EXPECT_EQ(caller.timestamps.jbmCurrentDepth != 8,
               operation.run == getTimestamps && outcome.result == "Success");
+    if (caller.service) {
+        caller.service->disconnect();
+        EXPECT_EQ(connect(caller).format(), "Success");
+    }
 }
 
-// Runs an operation on a service of its own, which can be connected again whatever has failed.
-Outcome run(const Operation& operation, const SystemCalls& plan, int failingAllocation = 0) {
+Outcome observe(const Operation& operation, const SystemCalls& plan, int failingAllocation = 0) {
     Outcome outcome;
     const auto descriptors = tests::openDescriptors();
     {
         tests::EngineDouble engine({operation.answer});
         outcome.path = engine.path();
         const long blocks = memory.blocks();
-        {
-            Caller caller{outcome.path};
-            if (operation.isConnected) {
-                connect(caller);
-            }
-            callWithFault(operation, plan, failingAllocation, caller, outcome);
-            if (caller.service) {
-                caller.service->disconnect();
-                EXPECT_EQ(connect(caller).format(), "Success");
-            }
-        }
+        run(operation, plan, failingAllocation, outcome);
         outcome.lostBlocks = memory.blocks() - blocks;
         // A request is sent as a whole, in any number of pieces.
         const std::string request = engine.received();
@@ -142,29 +143,21 @@ std::string expected(const Operation& operation, Call call, int error, const std
     const std::string cause =
         std::string("{") + std::strerror(error) + " (Code " + std::to_string(error) + ")}";
     const bool isToNobody = operation.result.find(nowhere) != std::string::npos;
-    const std::string cannotConnect =
-        "Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code 20002): ";
-    const std::string broken = "An error has occured in the transport layer (Code 1005): {";
-    if (call == Call::Socket) {
-        return cannotConnect + cause + '}';
-    }
+    const std::string target = "Unable to connect to " + (isToNobody ? nowhere : path) + ' ';
     // A connect that has failed looks at the errno after closing.
-    if (call == Call::Connect || (call == Call::Close && isToNobody)) {
-        return cannotConnect + "Unable to connect to " + (isToNobody ? nowhere : path) + ' ' +
-               cause + '}';
+    if (call == Call::Socket || call == Call::Connect || (call == Call::Close && isToNobody)) {
+        return "Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code 20002): " +
+               (call == Call::Socket ? "" : target) + cause + '}';
     }
     if (call == Call::Close || call == Call::Shutdown || error == EINTR || error == EAGAIN) {
         return operation.result;
     }
-    if (error == (call == Call::Write ? EPIPE : ECONNRESET)) {
-        return broken +
-               "Connection closed by distant (Code 5905): {Protocol has been closed by distant "
-               "(Code 40005): {Closed by distant (Code 10003)}}}";
-    }
-    return broken +
-           "Protocol error (Code 5902): {Link error (Code 40003): {I/O error (Code "
-           "10004): " +
-           cause + "}}}";
+    const bool isClosure = error == (call == Call::Write ? EPIPE : ECONNRESET);
+    return "An error has occured in the transport layer (Code 1005): {" +
+           (isClosure ? closedByDistant
+                      : "Protocol error (Code 5902): {Link error (Code 40003): {I/O error (Code "
+                        "10004): " +
+                            cause + "}}}");
 }
 
 // How many blocks the parser alone loses of an answer when its allocations fail one by one: it
@@ -195,7 +188,7 @@ TEST(Faults, EveryFailingSystemCallEndsInItsResult) {
                 Outcome outcome;
                 // In pieces, so that the fault finds messages half through.
                 for (int n = 0; n == 0 || outcome.hasFailed; ++n) {
-                    outcome = run(operation, {call, n, 100, error, 16});
+                    outcome = observe(operation, {call, n, 100, error, 16});
                     const std::string result = outcome.hasFailed
                                                    ? expected(operation, call, error, outcome.path)
                                                    : operation.result;
@@ -210,11 +203,11 @@ TEST(Faults, EveryFailingSystemCallEndsInItsResult) {
 TEST(Faults, EveryFailingAllocationEndsTheCallAndNothingIsLost) {
     const tests::Silence silence;
     for (const Operation& operation : operations) {
-        const Outcome plain = run(operation, {});
+        const Outcome plain = observe(operation, {});
         long lostBlocks = 0;
         Outcome outcome;
         for (int n = 1; n == 1 || outcome.hasFailed; ++n) {
-            outcome = run(operation, {}, n);
+            outcome = observe(operation, {}, n);
             lostBlocks += outcome.lostBlocks;
             EXPECT_TRUE(outcome.result == plain.result || outcome.result == "bad_alloc");
             // A line for which there is no memory is dropped as a whole.

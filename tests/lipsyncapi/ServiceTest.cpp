@@ -202,6 +202,7 @@ TEST(Service, LogsOneLineACall) {
                    "audioReceivingTimestamp=3 jbmCurrentDepth=4  with result: Success"));
     EXPECT_EQ(logOf([&] { service.disconnect(); }),
               line("Client is disconnected with result: Success"));
+    EXPECT_EQ(engine.received(), delayRequest("40") + tests::frame("<GetAudioTs_Request />"));
     EXPECT_EQ(logOf([] { const Service fresh; }),
               line("Client is disconnected with result: " + notConnected));
     EXPECT_NE(logOf([&] { service.connect(); })

@@ -13,8 +13,6 @@ public:
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
-    int fd() const { return _fd; }
-
     /// The next client's descriptor, which the caller closes; negative after `stop`. Blocks.
     int accept() const;
 
