@@ -7,16 +7,9 @@ install(TARGETS zublipsyncapi EXPORT zublipsyncapi
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime NAMELINK_COMPONENT development)
 
-set(public_headers
-    comms/Client.h
-    comms/Link.h
-    lipsync/common/LipSyncNtpTimestamps.h
-    lipsyncapi/Service.h
-    utilities/Export.h
-    utilities/result/Append.h
-    utilities/result/ErrnoTrait.h
-    utilities/result/Result.h)
-foreach(header ${public_headers})
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/public-headers.txt)
+file(STRINGS cmake/public-headers.txt public_headers)
+foreach(header IN LISTS public_headers)
     get_filename_component(folder ${header} DIRECTORY)
     install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zublipsyncapi/${folder}
         COMPONENT development)
