@@ -30,7 +30,7 @@ if(TINYXML_SOURCE_DIR)
         POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
     if(ZUBLIPSYNCAPI_SANITIZERS)
         target_compile_options(tinyxml_static PRIVATE
-            -fsanitize=${ZUBLIPSYNCAPI_SANITIZERS} -fno-sanitize-recover=all)
+            -fsanitize=${ZUBLIPSYNCAPI_SANITIZERS} -fno-sanitize-recover=all -O1)
     endif()
     target_link_libraries(tinyxml INTERFACE tinyxml_static)
     target_include_directories(tinyxml SYSTEM INTERFACE ${TINYXML_BUILD_DIR})
