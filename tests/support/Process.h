@@ -1,7 +1,7 @@
 #pragma once
 
-#include <sys/types.h>
-
+#include <csignal>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -10,46 +10,42 @@ namespace tests {
 /// A program that runs beside the test, and is killed at the latest when this object goes.
 class Process {
 public:
-    enum Surroundings { OnPipes, OnTerminal };
+    /// Where its standard output goes: to the test, to a terminal whose other end the test has, or
+    /// to a disk that is full.
+    enum Output { ToTest, ToTerminal, ToFullDisk };
 
     /// The first argument is the path of the program.
-    explicit Process(const std::vector<std::string>& arguments,
-                     Surroundings surroundings = OnPipes);
+    explicit Process(std::vector<std::string> arguments, Output output = ToTest);
     ~Process();
 
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    /// What it prints to standard output and standard error, up to and with `text`, or all of it
-    /// if it ends first.
-    std::string readUntil(const std::string& text);
+    /// False if no terminal could be opened for it.
+    bool hasStarted() const { return _pid > 0; }
 
-    /// The rest of it, up to the end of the program.
-    std::string readAll();
+    /// What the test gets of its standard output and standard error, up to and with `text`, or all
+    /// of it if it ends first.
+    std::string readUntil(const std::string& text) const;
 
-    /// What it prints within so many milliseconds.
-    std::string readFor(int milliseconds);
+    /// The rest of it, up to the end of the program; it has no zero byte.
+    std::string readAll() const { return readUntil(std::string(1, '\0')); }
 
     /// Types into its standard input.
-    void write(const std::string& text) const;
+    void write(const std::string& text) const { dprintf(_input, "%s", text.c_str()); }
 
-    void signal(int number) const;
-
-    bool isRunning() const;
+    /// Not after `wait`.
+    void signal(int number) const { kill(_pid, number); }
 
     /// Waits for the end. The exit status, or minus the signal that killed it.
     int wait();
 
 private:
-    bool readSome();
-
-    void startOnPipes(char** argv);
-    void startOnTerminal(char** argv);
+    void forkOnPipes(Output output);
 
     pid_t _pid = -1;
     int _input = -1;
     int _output = -1;
-    std::string _read;
 };
 
 } // namespace tests

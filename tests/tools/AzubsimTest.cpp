@@ -1,165 +1,173 @@
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
+#include <chrono>
 #include <csignal>
-#include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <memory>
+#include <thread>
 
 #include "comms/Client.h"
-#include "lipsyncapi/Service.h"
-#include "tests/support/Listener.h"
-#include "tests/support/Process.h"
-#include "tests/support/Silence.h"
-#include "tests/support/TemporaryDirectory.h"
+#include "tests/tools/Engine.h"
 
+using testing::IsSubstring;
+using tests::Engine;
 using tests::Process;
-using velta::zub::common::LipSyncNtpTimestamps;
 using velta::zub::comms::Client;
 using velta::zub::comms::Link;
-using velta::zub::lipsyncapi::Service;
 
-namespace {
-
-constexpr double unitsPerMs = 4294967.296;
-
-class Azubsim : public testing::Test {
-protected:
-    Process start(std::vector<std::string> options = {}) {
-        options.insert(options.begin(), {AZUBSIM, "--socket", socket});
-        return Process(options);
-    }
-
-    static void expectListening(Process& process) { process.readUntil("listening at"); }
-
-    bool socketExists() const {
-        struct stat status {};
-        return lstat(socket.c_str(), &status) == 0;
-    }
-
-    // From capture to rendering, less what the jitter buffer adds; ms.
-    static double fixedLateness(const Service& service) {
-        LipSyncNtpTimestamps t;
-        EXPECT_EQ(service.getAudioTimestamps(t).format(), "Success");
-        EXPECT_LT(t.audioCaptureTimestamp, t.audioReceivingTimestamp);
-        EXPECT_LT(t.audioReceivingTimestamp, t.audioRenderingTimestamp);
-        EXPECT_GE(t.jbmCurrentDepth, 20UL);
-        EXPECT_LE(t.jbmCurrentDepth, 120UL);
-        const auto ntpSeconds = static_cast<unsigned long>(time(nullptr)) + 2208988800UL;
-        EXPECT_NEAR(static_cast<double>(t.audioReceivingTimestamp >> 32),
-                    static_cast<double>(ntpSeconds), 2.0);
-        return static_cast<double>(t.audioRenderingTimestamp - t.audioCaptureTimestamp) /
-                   unitsPerMs -
-               static_cast<double>(t.jbmCurrentDepth);
-    }
-
-    tests::Silence silence;
-    tests::TemporaryDirectory directory;
-    std::string socket = directory.path() + "/engine";
-};
-
-} // namespace
-
-TEST_F(Azubsim, AMarginMovesRenderingByExactlySoMuchForEveryClient) {
-    Process process = start();
-    expectListening(process);
-    Service first;
-    Service second;
-    ASSERT_EQ(first.connect(socket).format(), "Success");
-    ASSERT_EQ(second.connect(socket).format(), "Success");
-    const double before = fixedLateness(first);
-    EXPECT_EQ(second.setAudioDelayMargin(60).format(), "Success");
-    EXPECT_NEAR(fixedLateness(first) - before, 60, 0.001);
-    EXPECT_NEAR(fixedLateness(second) - before, 60, 0.001);
-}
-
-TEST_F(Azubsim, WithoutACallEveryRequestFails) {
-    Process process = start({"--no-call"});
-    expectListening(process);
-    Service service;
-    LipSyncNtpTimestamps timestamps;
-    service.connect(socket);
-    const std::string noCall =
-        "The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): no call}";
-    EXPECT_EQ(service.getAudioTimestamps(timestamps).format(), noCall);
-    EXPECT_EQ(service.setAudioDelayMargin(40).format(), noCall);
-}
+using Azubsim = tests::EngineTest;
 
 TEST_F(Azubsim, EndsCleanlyOnSignals) {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        Process process = start();
-        expectListening(process);
-        EXPECT_TRUE(socketExists());
-        Service service;
-        service.connect(socket);
-        process.signal(number);
-        EXPECT_EQ(process.wait(), 0);
-        EXPECT_FALSE(socketExists());
-        LipSyncNtpTimestamps timestamps;
-        std::signal(SIGPIPE, SIG_IGN);
-        EXPECT_EQ(service.getAudioTimestamps(timestamps).code, Service::ResultCode::TransportError);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+        Engine engine(socket);
+        engine.signal(number);
+        EXPECT_EQ(engine.wait(), 0);
+        EXPECT_FALSE(std::filesystem::exists(socket));
     }
 }
 
 TEST_F(Azubsim, ReplacesADeadSocketAndNothingElse) {
-    { const tests::Listener dead(socket); }
-    Process live = start();
-    expectListening(live);
-
-    Process second = start();
-    EXPECT_EQ(second.readUntil("\n"),
-              "azubsim: cannot listen at " + socket + ": an engine listens there already\n");
-    EXPECT_EQ(second.wait(), 1);
-    Service service;
-    EXPECT_EQ(service.connect(socket).format(), "Success");
-    live.signal(SIGTERM);
-    live.wait();
-
+    const std::string cannot = "azubsim: cannot listen at " + socket;
+    { const Engine killed(socket); }
+    {
+        const Engine live(socket);
+        expectFailure(AZUBSIM, at, 1, cannot + ": an engine listens there already\n");
+        run(LIPSYNCCTL, "timestamps" + at);
+    }
+    std::filesystem::remove(socket);
     std::ofstream(socket) << "precious";
-    Process third = start();
-    EXPECT_EQ(third.readUntil("\n"),
-              "azubsim: cannot listen at " + socket + ": it exists and is no socket\n");
-    EXPECT_EQ(third.wait(), 1);
-    EXPECT_TRUE(socketExists());
+    expectFailure(AZUBSIM, at, 1, cannot + ": it exists and is no socket\n");
+    EXPECT_EQ(std::filesystem::file_size(socket), 8U);
 }
 
 TEST_F(Azubsim, RefusesBadOptions) {
-    const struct {
-        std::vector<std::string> options;
-        int status;
-        std::string error;
-    } cases[] = {
-        {{"--socket", socket, "--nonsense"}, 2, "--nonsense"},
-        {{"--socket", socket, "more"}, 2, "more"},
-        {{"--socket"}, 2, "--socket"},
-        {{"--sokcet", socket}, 2, "--sokcet"},
-        {{}, 2, "--socket"},
-        {{"--socket", std::string(200, 'x')}, 1, "1 to 107 characters"},
-        {{"--socket", directory.path() + "/none/engine"}, 1, "No such file or directory"},
-    };
-    for (const auto& c : cases) {
-        std::vector<std::string> command = c.options;
-        command.insert(command.begin(), AZUBSIM);
-        Process process(command);
-        EXPECT_NE(process.readAll().find(c.error), std::string::npos) << c.error;
-        EXPECT_EQ(process.wait(), c.status);
-        EXPECT_FALSE(socketExists());
-    }
+    const std::string file = directory.path() + "/file";
+    std::ofstream(file) << "{}\n";
+    const std::string cannot = "azubsim: cannot listen at ";
+    const std::string longPath(200, 'x');
+    expectFailure(AZUBSIM, "", 2, "--socket is required");
+    expectFailure(AZUBSIM, "--nonsense" + at, 2, "The following argument");
+    expectFailure(AZUBSIM, "--fault nonsense" + at, 2, "--fault: there is no fault 'nonsense'");
+    expectFailure(AZUBSIM, "--socket " + longPath, 1,
+                  cannot + longPath + ": a socket's path has 1 to 107 characters\n");
+    expectFailure(AZUBSIM, "--socket " + file + "/x", 1, cannot + file + "/x: Not a directory\n");
+    expectFailure(AZUBSIM, "--replay " + file + at, 1,
+                  "azubsim: cannot replay " + file + ": line 1 is no recorded exchange\n");
+    EXPECT_FALSE(std::filesystem::exists(socket));
 }
 
-TEST_F(Azubsim, HangsUpOnRubbish) {
-    Process process = start();
-    expectListening(process);
+TEST_F(Azubsim, HangsUpOnABadRequest) {
+    const Engine engine(socket);
     Link* link = nullptr;
-    ASSERT_TRUE(Client::connectUnixServer(socket.c_str(), link).isSuccess());
+    Client::connectUnixServer(socket.c_str(), link);
     const std::unique_ptr<Link> owner(link);
     const std::string request = "<AZUB version='0.2.0'><GetAudioTs_Request /></AZUB>\n\n";
-    EXPECT_TRUE(link->write(request.data(), request.size()).isSuccess());
+    link->write(request.data(), request.size());
     char byte;
     std::size_t bytesRead = 0;
     EXPECT_EQ(link->read(&byte, 1, bytesRead).code, Link::ResultCode::ClosedByDistant);
-    process.readUntil("\n");
-    EXPECT_EQ(process.readUntil("\n"),
+    EXPECT_EQ(engine.readUntil("\n"),
               "azubsim: closing a connection: bad request: version is not '0.1.0'\n");
+}
+
+TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
+    std::ifstream document(DOCS "/faults.md");
+    const std::regex row("\\| `([^`]+)` \\| `([^`]+)` \\|.*");
+    std::smatch cells;
+    int rows = 0;
+    for (std::string line; std::getline(document, line);) {
+        if (!std::regex_match(line, cells, row)) {
+            continue;
+        }
+        ++rows;
+        const std::string expected = cells[2];
+        const Engine engine(socket, {"--fault", cells[1], "--flood-limit", "100000"});
+        Process reader({LIPSYNCCTL, "timestamps", "--socket", socket});
+        if (expected == "waits") {
+            reader.readUntil("Client is connecting");
+            std::this_thread::sleep_for(std::chrono::milliseconds(300));
+            reader.signal(SIGKILL);
+            EXPECT_EQ(reader.wait(), -SIGKILL) << line;
+            continue;
+        }
+        // What depends on where the document is cut is left out.
+        const std::string failure = (expected + '\n').substr(0, expected.find("..."));
+        EXPECT_PRED_FORMAT2(IsSubstring,
+                            expected == "Success" ? "  latency " : "\nlipsyncctl: " + failure,
+                            reader.readAll());
+    }
+    EXPECT_GE(rows, 22);
+}
+
+TEST_F(Azubsim, ADelayIsMeasuredAndADoubleAnswerReadTwice) {
+    const Engine engine(socket, {"--fault", "delay 100", "--fault", "double"});
+    const std::string ping = run(LIPSYNCCTL, "ping --count 1 --format csv" + at);
+    EXPECT_TRUE(std::regex_match(ping, std::regex(".*\n1,[0-9]{3,}[.].*\n"))) << ping;
+    const std::string readings = run(LIPSYNCCTL, "timestamps --watch --count 2 --interval 50" + at);
+    EXPECT_TRUE(std::regex_match(readings, std::regex("(.*)\n\\1\n"))) << readings;
+}
+
+TEST_F(Azubsim, SpoilsSomeAnswersRepeatably) {
+    const auto outcomes = [&](std::vector<std::string> options) {
+        options.insert(options.end(), {"--fault", "error 7", "--fault", "error 8"});
+        const Engine engine(socket, options);
+        const std::string text = run(LIPSYNCCTL, "timestamps --watch --count 8 --interval 1" + at);
+        const std::string failures = std::regex_replace(text, std::regex("captured.*\n"), ".");
+        return std::regex_replace(failures, std::regex("lipsyncctl:.*Code (.)\\)\\}\n"), "$1");
+    };
+    EXPECT_EQ(outcomes({"--every", "3"}), "..7..8..7..");
+    const std::string random = outcomes({"--every", "2", "--seed", "5"});
+    EXPECT_EQ(outcomes({"--every", "2", "--seed", "5"}), random);
+    EXPECT_NE(outcomes({"--every", "2", "--seed", "6"}), random);
+}
+
+TEST_F(Azubsim, ChangesByLinesOnStandardInput) {
+    const Engine engine(socket);
+    const auto seenAfter = [&](const std::string& line, int status) {
+        engine.write(line + "\nstatus\n");
+        engine.readUntil("verbose off\n");
+        return run(LIPSYNCCTL, "timestamps" + at, status);
+    };
+    EXPECT_PRED_FORMAT2(IsSubstring, "(Code 1007)", seenAfter("call off", 1));
+    EXPECT_PRED_FORMAT2(IsSubstring, "latency", seenAfter("call on", 0));
+    EXPECT_PRED_FORMAT2(IsSubstring, "(Code 7)", seenAfter("fault error 7", 1));
+    EXPECT_PRED_FORMAT2(IsSubstring, "(Code 7)", seenAfter("fault nonsense", 1));
+    EXPECT_PRED_FORMAT2(IsSubstring, "latency", seenAfter("fault none", 0));
+    engine.write("nonsense\nquit\n");
+    EXPECT_EQ(engine.readAll(), "not understood: nonsense (try help)\n");
+}
+
+TEST_F(Azubsim, AFaultOfOneClientDoesNotHoldUpAnother) {
+    const Engine engine(
+        socket, {"--verbose", "--fault", "delay 60000", "--fault", "flood", "--fault", "split"});
+    const Process slow({LIPSYNCCTL, "timestamps", "--socket", socket});
+    engine.readUntil("client 1 >");
+    const Process flooded({LIPSYNCCTL, "timestamps", "--socket", socket});
+    engine.readUntil("client 2 >");
+    // Takes no more of the flood.
+    flooded.signal(SIGSTOP);
+    run(LIPSYNCCTL, "timestamps" + at);
+}
+
+TEST_F(Azubsim, ReplaysWhatItRecorded) {
+    const std::string file = directory.path() + "/record";
+    std::string reading;
+    {
+        const Engine recorder(socket,
+                              {"--record", file, "--fault", "close-before", "--every", "2"});
+        reading = run(LIPSYNCCTL, "timestamps" + at);
+        run(LIPSYNCCTL, "timestamps" + at, 1);
+    }
+    const Engine replay(socket, {"--replay", file});
+    EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at), reading);
+    const std::string closed = run(LIPSYNCCTL, "timestamps" + at, 1);
+    EXPECT_PRED_FORMAT2(IsSubstring, "{Closed by distant", closed);
+    // The record is over.
+    EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at, 1), closed);
+    std::ifstream recorded(file);
+    std::string exchanges;
+    std::getline(recorded, exchanges, '\0');
+    const std::regex expected(
+        ".*\"fault\":\"\",\"request\":.*GetAudioTs_Request.*\"time\":[0-9]{10}[.].*\n"
+        ".*\"fault\":\"close-before\",.*\n");
+    EXPECT_TRUE(std::regex_match(exchanges, expected)) << exchanges;
 }

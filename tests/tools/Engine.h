@@ -1,35 +1,53 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <regex>
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "tests/support/Silence.h"
 #include "tests/support/Process.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace tests {
 
 /// An engine simulator that listens.
-class Engine {
+class Engine : public Process {
 public:
-    explicit Engine(const std::vector<std::string>& options)
-        : _process(command(socket(), options)) {
-        _process.readUntil("listening at");
+    explicit Engine(const std::string& socket, std::vector<std::string> options = {})
+        : Process((options.insert(options.begin(), {AZUBSIM, "--socket", socket}), options)) {
+        readUntil("listening at " + socket + '\n');
+    }
+};
+
+/// A test that runs programs, and has a path for an engine's socket.
+class EngineTest : public testing::Test {
+protected:
+    /// Runs a program, with arguments that are separated by spaces, to its end, which must have
+    /// this status. What it printed, without the library's log lines.
+    static std::string run(const std::string& program, const std::string& arguments, int status = 0,
+                           Process::Output to = Process::ToTest) {
+        std::istringstream words(arguments);
+        std::vector<std::string> command{std::istream_iterator<std::string>(words), {}};
+        command.insert(command.begin(), program);
+        Process process(command, to);
+        const std::string output = process.readAll();
+        EXPECT_EQ(process.wait(), status) << arguments << ": " << output;
+        return std::regex_replace(output, std::regex("I/AZUBLIPSYNCAPI .*\n"), "");
     }
 
-    std::string socket() const { return _directory.path() + "/engine"; }
-    Process& process() { return _process; }
-
-private:
-    static std::vector<std::string> command(const std::string& socket,
-                                            const std::vector<std::string>& options) {
-        std::vector<std::string> words{AZUBSIM, "--socket", socket};
-        words.insert(words.end(), options.begin(), options.end());
-        return words;
+    /// The same, where what goes to standard error begins so.
+    static void expectFailure(const std::string& program, const std::string& arguments, int status,
+                              const std::string& error) {
+        const std::string output = run(program, arguments, status, Process::ToFullDisk);
+        EXPECT_EQ(output.substr(0, error.size()), error) << arguments;
     }
 
-    TemporaryDirectory _directory;
-    Process _process;
+    const TemporaryDirectory directory;
+    const std::string socket = directory.path() + "/engine";
+    const std::string at = " --socket " + socket;
 };
 
 } // namespace tests
