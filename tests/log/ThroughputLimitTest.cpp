@@ -37,14 +37,6 @@ std::string delayed(ThroughputLimit limit) {
 
 } // namespace
 
-// Other settings are in the fuzzer's corpus.
-TEST(ThroughputLimit, ReadsItsSetting) {
-    const ThroughputLimit limit = ThroughputLimit::fromSetting("3/5");
-    EXPECT_EQ(limit.limit, 3U);
-    EXPECT_EQ(limit.pauseUs, 5000U);
-    EXPECT_FALSE(ThroughputLimit::fromSetting(nullptr).isOn());
-}
-
 TEST(ThroughputLimit, DelaysEveryNthRecord) {
     EXPECT_EQ(delayed({0, 3, 1000}), "369");
     EXPECT_EQ(delayed({0, 0, 5000}), "123456789");
