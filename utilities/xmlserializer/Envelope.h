@@ -2,7 +2,6 @@
 
 #include <tinyxml.h>
 
-#include <memory>
 #include <string>
 
 #include "utilities/xmlserializer/ResultTrait.h"
@@ -12,7 +11,7 @@ namespace velta::utilities::xmlserializer::detail {
 /// The text of the document that holds `command`: the declaration, the root element with its
 /// version, and in it the command, on one line without white space between elements.
 std::string printDocument(const std::string& rootTag, const std::string& version,
-                          std::unique_ptr<TiXmlElement> command);
+                          const TiXmlElement& command);
 
 /// Parses `text` into `document` and finds its command element, which the document owns. On
 /// failure the code is `ConversionFailed` and `command` is null.

@@ -2,7 +2,6 @@
 
 #include <tinyxml.h>
 
-#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -30,6 +29,7 @@ struct TraitOf
 template <typename Traits>
 class XmlSerializer {
 public:
+    /// Both must be plain text: nothing in them is escaped.
     XmlSerializer(std::string rootTag_, std::string version_)
         : rootTag(std::move(rootTag_)), version(std::move(version_)) {}
 
@@ -38,12 +38,12 @@ public:
     Result serialize(const Request& request, std::string& text) const {
         using Trait = typename detail::TraitOf<Traits, Request>::Head;
         text.clear();
-        auto command = std::make_unique<TiXmlElement>(Trait::tag);
-        Result result = XmlTraitSerializer<Trait>::toXml(request, *command);
+        TiXmlElement command(Trait::tag);
+        Result result = XmlTraitSerializer<Trait>::toXml(request, command);
         if (result.isFailure()) {
             return result << " (While serializing \"" << Trait::tag << "\")";
         }
-        text = detail::printDocument(rootTag, version, std::move(command));
+        text = detail::printDocument(rootTag, version, command);
         return ResultCode::Success;
     }
 

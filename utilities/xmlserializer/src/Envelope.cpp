@@ -11,9 +11,6 @@ namespace {
 // which this library has a copy of its own, and is set before any thread can parse.
 const bool whiteSpaceIsKept = (TiXmlBase::SetCondenseWhiteSpace(false), true);
 
-// As TinyXML prints it.
-constexpr const char* declaration = "<?xml version=\"1.0\" ?>";
-
 Result failure() {
     return ResultCode::ConversionFailed;
 }
@@ -21,15 +18,12 @@ Result failure() {
 } // namespace
 
 std::string printDocument(const std::string& rootTag, const std::string& version,
-                          std::unique_ptr<TiXmlElement> command) {
-    TiXmlElement root(rootTag.c_str());
-    root.SetAttribute("version", version.c_str());
-    root.LinkEndChild(command.release());
-
+                          const TiXmlElement& command) {
     TiXmlPrinter printer;
     printer.SetStreamPrinting();
-    root.Accept(&printer);
-    return std::string(declaration) + printer.CStr();
+    command.Accept(&printer);
+    return "<?xml version=\"1.0\" ?><" + rootTag + " version=\"" + version + "\">" +
+           printer.CStr() + "</" + rootTag + '>';
 }
 
 Result parseDocument(const std::string& text, const std::string& rootTag,
