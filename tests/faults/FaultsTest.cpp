@@ -1,5 +1,6 @@
 // Each system call and each allocation of each operation fails: what is left behind then.
 
+#include <android/log.h>
 #include <gtest/gtest.h>
 #include <tinyxml.h>
 
@@ -39,7 +40,7 @@ struct Operation {
     std::string answer = "";
 };
 
-Service::Result connect(Caller& c) {
+Service::Result connectCaller(Caller& c) {
     return c.service->connect(c.path);
 }
 Service::Result setMargin(Caller& c) {
@@ -58,11 +59,11 @@ const std::string longText(600, 'm');
 
 // clang-format off
 const Operation operations[] = {
-    {false, connect, "Success"},
+    {false, connectCaller, "Success"},
     {false, [](Caller& c) { return c.service->connect(nowhere); },
      "Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code 20002): Unable to "
      "connect to " + nowhere + " {No such file or directory (Code 2)}}"},
-    {true, connect, "Bad state (Code 1003): Already connected to the audio ZUB"},
+    {true, connectCaller, "Bad state (Code 1003): Already connected to the audio ZUB"},
     {true, [](Caller& c) { return c.service->disconnect(); }, "Success"},
     {true, [](Caller& c) { return c.service.reset(), Service::Result::success(); }, "Success"},
     {true, setMargin, "Success", tests::delayFrame("1000")},
@@ -96,7 +97,7 @@ void run(const Operation& operation, const SystemCalls& plan, int failingAllocat
          Outcome& outcome) {
     Caller caller{outcome.path};
     if (operation.isConnected) {
-        connect(caller);
+        connectCaller(caller);
     }
     std::optional<Service::Result> result;
     lastRecord[0] = '\0';
@@ -116,7 +117,7 @@ void run(const Operation& operation, const SystemCalls& plan, int failingAllocat
               operation.run == getTimestamps && outcome.result == "Success");
     if (caller.service) {
         caller.service->disconnect();
-        EXPECT_EQ(connect(caller).format(), "Success");
+        EXPECT_EQ(connectCaller(caller).format(), "Success");
     }
 }
 

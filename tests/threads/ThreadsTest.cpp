@@ -47,6 +47,7 @@ void useService(const std::string& number) {
 TEST(Threads, MayUseServicesOfTheirOwnIfOneLockKeepsExchangesApart) {
     const std::string log = tests::logOf([] {
         std::vector<std::thread> threads;
+        threads.reserve(threadCount);
         for (int i = 0; i < threadCount; ++i) {
             threads.emplace_back([i] { useService(std::to_string(i)); });
         }
