@@ -16,4 +16,16 @@ struct TypeList {
     using Tail = TailList;
 };
 
+/// Calls `visit` with an object of each type in the list, in order, until it returns false.
+/// Returns whether it returned true for all of them.
+template <typename Visit>
+bool visitAll(detail::TypeNull, const Visit&) {
+    return true;
+}
+
+template <typename Head, typename Tail, typename Visit>
+bool visitAll(TypeList<Head, Tail>, const Visit& visit) {
+    return visit(Head{}) && visitAll(Tail{}, visit);
+}
+
 } // namespace velta::utilities

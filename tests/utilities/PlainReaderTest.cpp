@@ -1,4 +1,4 @@
-#include "utilities/xmlserializer/PlainReader.h"
+#include "utilities/xmlserializer/Envelope.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,10 @@
 #include <tinyxml.h>
 
 #include <string>
+#include <string_view>
+#include <utility>
 
+#include "utilities/xmlserializer/PlainReader.h"
 #include "utilities/xmlserializer/ResultTrait.h"
 
 namespace velta::utilities::xmlserializer::detail {
@@ -18,5 +21,23 @@ std::string printDocument(const std::string& rootTag, const std::string& version
 Result parseDocument(const std::string& text, const std::string& rootTag,
                      const std::string& version, TiXmlDocument& document,
                      const TiXmlElement*& command);
+
+/// Move past what comes before and after the command in a document in plain form.
+bool skipFrameStart(PlainCursor& document, const std::string& rootTag, const std::string& version);
+bool skipFrameEnd(PlainCursor& document, const std::string& rootTag);
+
+/// Reads a whole document in plain form. `answer` is filled completely or not at all.
+template <typename Trait>
+bool readPlainDocument(std::string_view text, const std::string& rootTag,
+                       const std::string& version, typename Trait::Type& answer) {
+    PlainCursor document(text);
+    typename Trait::Type filled = answer;
+    if (!skipFrameStart(document, rootTag, version) ||
+        !PlainReader<Trait>::read(document, filled) || !skipFrameEnd(document, rootTag)) {
+        return false;
+    }
+    answer = std::move(filled);
+    return true;
+}
 
 } // namespace velta::utilities::xmlserializer::detail

@@ -4,8 +4,8 @@
 
 namespace velta::utilities::xmlserializer::detail {
 
-/// A position in a document in plain form. Every function returns whether the document goes on as
-/// asked, and is behind that part then.
+/// A position in a document in plain form. Each function returns whether the expected text comes
+/// next and, if so, moves past it.
 class PlainCursor {
 public:
     explicit PlainCursor(std::string_view document) : _rest(document) {}
@@ -23,8 +23,8 @@ public:
     /// An element without content.
     bool skipEmpty(std::string_view tag) { return skip("<", tag, " />"); }
 
-    /// Plain text up to the next tag, and not all blank, which TinyXML drops. `text` lives as long
-    /// as the document.
+    /// Plain text up to the next tag. Text that is all blank does not count, because TinyXML drops
+    /// it. `text` lives as long as the document.
     bool readText(std::string_view& text);
 
     bool isAtEnd() const { return _rest.empty(); }
@@ -42,5 +42,9 @@ private:
 
     std::string_view _rest;
 };
+
+/// Whether text means itself in a document: printable ASCII without the characters that TinyXML
+/// escapes.
+bool isPlain(std::string_view text);
 
 } // namespace velta::utilities::xmlserializer::detail

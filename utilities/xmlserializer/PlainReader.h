@@ -1,53 +1,38 @@
 #pragma once
 
-#include <string_view>
-#include <utility>
-
 #include "utilities/TypeList.h"
 #include "utilities/serializer/NamedTextTrait.h"
 #include "utilities/xmlserializer/PlainCursor.h"
-#include "utilities/xmlserializer/PlainText.h"
 
 namespace velta::utilities::xmlserializer::detail {
 
 /// Reads the value of a trait from a document in plain form: as the engine prints it, with the
-/// children in the trait's order, without white space, comments and entities. No tree is built,
-/// which is most of what reading an answer costs otherwise.
+/// children in the trait's order, and without white space, comments and entities. No tree is built;
+/// building one is most of what reading an answer costs otherwise. This is the form for records.
 ///
-/// Returns false for everything else, right or wrong, and leaves it to TinyXML; the value may be
-/// filled in part then. What is read here reads the same there, but for the text that a success
-/// collects on its way through a tree, which nobody sees.
-template <typename Trait>
-struct PlainReader;
-
-template <typename Record, typename Children>
-struct PlainChildrenReader;
-
-template <typename Record>
-struct PlainChildrenReader<Record, utilities::detail::TypeNull> {
-    static bool read(PlainCursor&, Record&) { return true; }
-};
-
-template <typename Record, typename Child, typename Others>
-struct PlainChildrenReader<Record, TypeList<Child, Others>> {
-    static bool read(PlainCursor& document, Record& record) {
-        auto value = Child::Trait::initialValue();
-        if (!PlainReader<typename Child::Trait>::read(document, value)) {
-            return false;
-        }
-        Child::set(record, value);
-        return PlainChildrenReader<Record, Others>::read(document, record);
-    }
-};
-
+/// Returns false for everything else, right or wrong, which TinyXML must then read; the value may
+/// be filled in part. A document that is read here reads the same through TinyXML. Only the text
+/// that a success collects there is missing, and nobody sees that.
 template <typename Trait>
 struct PlainReader {
     using Record = typename Trait::Type;
 
     static bool read(PlainCursor& document, Record& record) {
-        return document.skipStart(Trait::tag) &&
-               PlainChildrenReader<Record, typename Trait::Children>::read(document, record) &&
+        return document.skipStart(Trait::tag) && readChildren(document, record) &&
                document.skipEnd(Trait::tag);
+    }
+
+private:
+    static bool readChildren(PlainCursor& document, Record& record) {
+        return visitAll(typename Trait::Children{}, [&](auto child) {
+            using Child = decltype(child);
+            auto value = Child::Trait::initialValue();
+            if (!PlainReader<typename Child::Trait>::read(document, value)) {
+                return false;
+            }
+            Child::set(record, value);
+            return true;
+        });
     }
 };
 
@@ -63,21 +48,5 @@ struct PlainReader<serializer::NamedTextTrait<T, elementName, emptyTextAllowed, 
                Convertor::fromString(text, value) && document.skipEnd(*elementName);
     }
 };
-
-/// Reads a whole document. `answer` is filled completely or not at all.
-template <typename Trait>
-bool readPlainDocument(std::string_view text, std::string_view rootTag, std::string_view version,
-                       typename Trait::Type& answer) {
-    PlainCursor document(text);
-    typename Trait::Type filled = answer;
-    if (!isPlain(version) || !document.skip("<?xml version=\"1.0\" ?><") ||
-        !document.skip(rootTag) || !document.skip(" version=\"") || !document.skip(version) ||
-        !document.skip("\">") || !PlainReader<Trait>::read(document, filled) ||
-        !document.skipEnd(rootTag) || !document.isAtEnd()) {
-        return false;
-    }
-    answer = std::move(filled);
-    return true;
-}
 
 } // namespace velta::utilities::xmlserializer::detail

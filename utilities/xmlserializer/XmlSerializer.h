@@ -8,7 +8,6 @@
 
 #include "utilities/TypeList.h"
 #include "utilities/xmlserializer/Envelope.h"
-#include "utilities/xmlserializer/PlainReader.h"
 #include "utilities/xmlserializer/ResultTrait.h"
 #include "utilities/xmlserializer/XmlTraitSerializer.h"
 

@@ -4,21 +4,97 @@
 
 #include <string>
 
+#include "utilities/TypeList.h"
 #include "utilities/serializer/NamedTextTrait.h"
 #include "utilities/serializer/TextTrait.h"
-#include "utilities/xmlserializer/ChildAccess.h"
 #include "utilities/xmlserializer/ResultTrait.h"
-#include "utilities/xmlserializer/SerializerChildList.h"
 
 namespace velta::utilities::xmlserializer {
+
+template <typename Trait>
+struct XmlTraitSerializer;
 
 namespace detail {
 
 /// Fails unless the element is named `tag`.
 Result checkName(const TiXmlNode& element, const char* tag);
 
-/// Appends the element that was being read to the outcome, be it a success or a failure.
+/// Finds the first child element named `tag`. On failure `child` is null.
+Result findElement(const TiXmlNode& parent, const char* tag, const TiXmlNode*& child);
+
+/// Finds the first text child. On failure `child` is null.
+Result findText(const TiXmlNode& parent, const TiXmlNode*& child);
+
+/// Appends the element that was being read to the outcome, whether a success or a failure.
 Result whileDeserializing(Result outcome, const char* tag);
+
+/// Finds the node inside an element that holds the value of a trait. On failure `child` is null.
+template <typename Trait>
+struct ChildAccess {
+    static Result get(const TiXmlNode& parent, const TiXmlNode*& child) {
+        return findElement(parent, Trait::tag, child);
+    }
+};
+
+template <typename T, typename Convertor>
+struct ChildAccess<serializer::TextTrait<T, Convertor>> {
+    static Result get(const TiXmlNode& parent, const TiXmlNode*& child) {
+        return findText(parent, child);
+    }
+};
+
+/// Walks the children of a record, in list order, up to the first that fails.
+template <typename Record, typename Children>
+struct SerializerChildList {
+    /// Links one new node for each child into `element`.
+    static Result toXml(const Record& record, TiXmlNode& element) {
+        return forEachChild(
+            [&](auto child) { return writeChild<decltype(child)>(record, element); });
+    }
+
+    /// Children read before the failing one are set in `record`.
+    static Result fromXml(const TiXmlNode& element, Record& record) {
+        return forEachChild(
+            [&](auto child) { return readChild<decltype(child)>(element, record); });
+    }
+
+private:
+    template <typename Visit>
+    static Result forEachChild(const Visit& visit) {
+        Result result = ResultCode::Success;
+        visitAll(Children{}, [&](auto child) {
+            result = visit(child);
+            return result.isSuccess();
+        });
+        return result;
+    }
+
+    template <typename Child>
+    static Result writeChild(const Record& record, TiXmlNode& element) {
+        TiXmlNode* node = nullptr;
+        Result result = XmlTraitSerializer<typename Child::Trait>::toXml(Child::get(record), node);
+        if (result.isSuccess()) {
+            element.LinkEndChild(node);
+        }
+        return result;
+    }
+
+    template <typename Child>
+    static Result readChild(const TiXmlNode& element, Record& record) {
+        using Trait = typename Child::Trait;
+        const TiXmlNode* node = nullptr;
+        Result result = ChildAccess<Trait>::get(element, node);
+        if (result.isFailure()) {
+            return result;
+        }
+        auto value = Trait::initialValue();
+        result = XmlTraitSerializer<Trait>::fromXml(*node, value, Trait::tag);
+        if (result.isSuccess()) {
+            Child::set(record, value);
+        }
+        return result;
+    }
+};
 
 } // namespace detail
 

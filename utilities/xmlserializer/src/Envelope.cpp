@@ -11,6 +11,15 @@ namespace {
 // which this library has a copy of its own, and is set before any thread can parse.
 const bool whiteSpaceIsKept = (TiXmlBase::SetCondenseWhiteSpace(false), true);
 
+// What comes before and after the command, in the form that TinyXML and the engine print.
+std::string frameStart(const std::string& rootTag, const std::string& version) {
+    return "<?xml version=\"1.0\" ?><" + rootTag + " version=\"" + version + "\">";
+}
+
+std::string frameEnd(const std::string& rootTag) {
+    return "</" + rootTag + '>';
+}
+
 Result failure() {
     return ResultCode::ConversionFailed;
 }
@@ -22,8 +31,15 @@ std::string printDocument(const std::string& rootTag, const std::string& version
     TiXmlPrinter printer;
     printer.SetStreamPrinting();
     command.Accept(&printer);
-    return "<?xml version=\"1.0\" ?><" + rootTag + " version=\"" + version + "\">" +
-           printer.CStr() + "</" + rootTag + '>';
+    return frameStart(rootTag, version) + printer.CStr() + frameEnd(rootTag);
+}
+
+bool skipFrameStart(PlainCursor& document, const std::string& rootTag, const std::string& version) {
+    return isPlain(version) && document.skip(frameStart(rootTag, version));
+}
+
+bool skipFrameEnd(PlainCursor& document, const std::string& rootTag) {
+    return document.skip(frameEnd(rootTag)) && document.isAtEnd();
 }
 
 Result parseDocument(const std::string& text, const std::string& rootTag,

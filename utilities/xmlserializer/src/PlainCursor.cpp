@@ -1,8 +1,14 @@
 #include "utilities/xmlserializer/PlainCursor.h"
 
-#include "utilities/xmlserializer/PlainText.h"
+#include <algorithm>
 
 namespace velta::utilities::xmlserializer::detail {
+
+bool isPlain(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return c >= ' ' && c <= '~' && c != '&' && c != '<' && c != '>' && c != '"' && c != '\'';
+    });
+}
 
 bool PlainCursor::readText(std::string_view& text) {
     text = _rest.substr(0, _rest.find('<'));

@@ -12,6 +12,27 @@ Result checkName(const TiXmlNode& element, const char* tag) {
                                             << element.Value() << "\" expected " << tag;
 }
 
+Result findElement(const TiXmlNode& parent, const char* tag, const TiXmlNode*& child) {
+    child = parent.FirstChildElement(tag);
+    if (child != nullptr) {
+        return ResultCode::Success;
+    }
+    return Result(ResultCode::ChildNotFound)
+           << "No element node \"" << tag << "\" found in node \"" << parent.Value() << "\"";
+}
+
+Result findText(const TiXmlNode& parent, const TiXmlNode*& child) {
+    child = parent.FirstChild();
+    while (child != nullptr && child->ToText() == nullptr) {
+        child = child->NextSibling();
+    }
+    if (child != nullptr) {
+        return ResultCode::Success;
+    }
+    return Result(ResultCode::ChildNotFound)
+           << "Node \"" << parent.Value() << "\" does not contain an expected text node child";
+}
+
 Result whileDeserializing(Result outcome, const char* tag) {
     return outcome << " (While desserializing \"" << tag << "\")";
 }
