@@ -45,4 +45,14 @@ struct ResultTrait<Command::Result> {
         utilities::TypeList<utilities::serializer::Child<Message, &getMessage, &setMessage>>>;
 };
 
+/// The child that every answer has: the engine's verdict.
+struct ResultChild {
+    static Command::Result getResult(const Command::Answer& answer) { return answer.result; }
+    static void setResult(Command::Answer& answer, const Command::Result& result) {
+        answer.result = result;
+    }
+
+    using Type = utilities::serializer::Child<ResultTrait<Command::Result>, &getResult, &setResult>;
+};
+
 } // namespace velta::zub::cmdfrmwrk

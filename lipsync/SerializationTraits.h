@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cmdfrmwrk/ResultAnswerTrait.h"
+#include "cmdfrmwrk/ResultTrait.h"
 #include "cmdfrmwrk/XmlSerializer.h"
 #include "lipsync/GetAudioTs.h"
 #include "lipsync/LipSyncNtpTimestampsTrait.h"
