@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "utilities/log/Level.h"
-#include "utilities/serializer/Convertor.h"
+#include "utilities/result/Decimal.h"
 
 namespace velta::zub::log {
 
@@ -46,19 +46,20 @@ public:
     }
 
 private:
-    // A value of several lines stands in braces.
-    template <typename T>
-    ApiLog& addParam(std::string_view name, const T& value, std::string& params) {
+    ApiLog& addParam(std::string_view name, unsigned long value, std::string& params) {
+        return addParam(name, utilities::result::Decimal(value), params);
+    }
+
+    // A value of several lines is put in braces.
+    ApiLog& addParam(std::string_view name, std::string_view value, std::string& params) {
         if (params.empty()) {
             params.reserve(usualLength);
         }
         (params += name) += '=';
-        const std::size_t start = params.size();
-        utilities::serializer::Convertor<T>::append(value, params);
-        if (params.find('\n', start) == std::string::npos) {
-            params += ' ';
+        if (value.find('\n') == std::string_view::npos) {
+            (params += value) += ' ';
         } else {
-            params.insert(start, "{\n") += "}\n";
+            ((params += "{\n") += value) += "}\n";
         }
         return *this;
     }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <charconv>
 #include <cstdarg>
 #include <cstddef>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -12,6 +10,7 @@
 #include "utilities/log/AndroidLogTrait.h"
 #include "utilities/log/Level.h"
 #include "utilities/log/StdIoLogTrait.h"
+#include "utilities/result/Decimal.h"
 
 namespace velta::utilities {
 
@@ -76,9 +75,7 @@ public:
 
         template <typename Integer, std::enable_if_t<std::is_integral<Integer>::value, int> = 0>
         Stream& operator<<(Integer number) noexcept {
-            char digits[std::numeric_limits<Integer>::digits10 + 2];
-            const char* const end = std::to_chars(digits, digits + sizeof(digits), number).ptr;
-            return *this << std::string_view(digits, static_cast<std::size_t>(end - digits));
+            return *this << std::string_view(result::Decimal(number));
         }
 
         [[gnu::format(printf, 2, 3)]] void log(const char* format, ...) {

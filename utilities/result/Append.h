@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string>
 
+#include "utilities/result/Decimal.h"
+
 namespace velta::utilities::result {
 
 template <typename Trait>
@@ -45,13 +47,11 @@ struct Append<char> {
     }
 };
 
-// Numbers go through std::to_string and not through a stream: a caller's global locale may group
-// digits, and messages must not.
 template <>
 struct Append<int> {
     template <typename Trait>
     static void run(Result<Trait>& target, const int& value) {
-        target.message += std::to_string(value);
+        target.message += Decimal(value);
     }
 };
 
@@ -59,7 +59,7 @@ template <>
 struct Append<unsigned long> {
     template <typename Trait>
     static void run(Result<Trait>& target, const unsigned long& value) {
-        target.message += std::to_string(value);
+        target.message += Decimal(value);
     }
 };
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "utilities/result/Append.h"
+#include "utilities/result/Decimal.h"
 
 namespace velta::utilities::result {
 
@@ -76,7 +77,7 @@ public:
         }
         std::string text = Trait::text(code);
         text += " (Code ";
-        text += std::to_string(static_cast<int>(code));
+        text += Decimal(static_cast<int>(code));
         text += ')';
         const std::string details = getMainMessage();
         if (!details.empty()) {

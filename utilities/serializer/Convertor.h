@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <system_error>
 #include <type_traits>
+
+#include "utilities/result/Decimal.h"
 
 namespace velta::utilities::serializer {
 
@@ -18,15 +19,8 @@ struct Convertor {
     static_assert(std::is_integral<T>::value, "a type of its own needs a convertor of its own");
 
     static bool toString(const T& value, std::string& text) {
-        text.clear();
-        append(value, text);
+        text = result::Decimal(value);
         return true;
-    }
-
-    static void append(const T& value, std::string& text) {
-        // All digits, the one that digits10 does not count, and a sign.
-        char digits[std::numeric_limits<T>::digits10 + 2];
-        text.append(digits, std::to_chars(digits, digits + sizeof(digits), value).ptr);
     }
 
     /// Writes `value` only on success.
@@ -66,8 +60,6 @@ struct Convertor<std::string> {
         text = value;
         return true;
     }
-
-    static void append(const std::string& value, std::string& text) { text += value; }
 
     static bool fromString(std::string_view text, std::string& value) {
         value = text;
