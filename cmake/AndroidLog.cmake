@@ -1,8 +1,8 @@
-# The platform's log writer: the NDK's on Android, Debian's build of the same library on Linux,
-# which stands in a directory of its own.
+# The platform's log library: the NDK's on Android, Debian's build of it on Linux, which has its own
+# subdirectory.
 
 if(ANDROID)
-    # The header is among the NDK's own, which must not be searched a second time.
+    # The NDK's default include directory has the header, and must not be added a second time.
     find_library(ANDROID_LOG_LIBRARY log REQUIRED)
     set(ANDROID_LOG_INCLUDE_DIR "")
 else()

@@ -1,12 +1,12 @@
-# What every target of this project is compiled with, and nothing of it is passed on to users.
+# Compile and link options of every target in this project. Users of the library do not get them.
 
 add_library(zublipsyncapi_options INTERFACE)
 target_compile_features(zublipsyncapi_options INTERFACE cxx_std_17)
 target_compile_options(zublipsyncapi_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
-# Overruns of buffers end the process before they can do anything else, and what the loader has
-# filled in becomes read-only. Sanitizers look closer themselves; checked copies need optimisation.
+# A buffer overrun ends the process before it does other harm, and relocated data becomes read-only.
+# Sanitizers have stricter checks of their own. _FORTIFY_SOURCE needs optimisation.
 if(NOT ZUBLIPSYNCAPI_SANITIZERS)
     target_compile_options(zublipsyncapi_options INTERFACE -fstack-protector-strong
         $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>

@@ -1,5 +1,5 @@
-# What is installed: the library for those who run it, and headers and package files for those who
-# build with it. The headers keep their paths under one include directory.
+# Installs three components: the library (runtime), its headers and package files (development), and
+# the tools. The headers keep their paths under one include directory.
 
 include(CMakePackageConfigHelpers)
 
@@ -15,7 +15,7 @@ foreach(header IN LISTS public_headers)
         COMPONENT development)
 endforeach()
 
-# The licence goes with every package; TinyXML's, which is linked in, is named beside it.
+# Every package has the licence file, which also names the licence of TinyXML, which is linked in.
 set(packages libzublipsyncapi${PROJECT_VERSION_MAJOR} libzublipsyncapi-dev zublipsync-tools)
 set(components runtime development tools)
 foreach(package component IN ZIP_LISTS packages components)
@@ -31,8 +31,8 @@ write_basic_package_version_file(zublipsyncapi-config-version.cmake
 install(FILES ${PROJECT_BINARY_DIR}/zublipsyncapi-config-version.cmake
     DESTINATION ${package_dir} COMPONENT development)
 
-# GNUInstallDirs allows absolute directories, which must not be put behind the prefix. Without one
-# the file finds the prefix from where it stands, and so can be installed to any.
+# GNUInstallDirs allows absolute directories, which must not get the prefix. If the library directory
+# is relative, the .pc file finds the prefix from its own location, so any prefix works.
 if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
     set(pc_prefix ${CMAKE_INSTALL_PREFIX})
 else()

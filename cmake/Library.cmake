@@ -1,4 +1,4 @@
-# The library: its objects, which tests of inner layers link, and the shared library made of them.
+# The library: an object library, which tests of inner layers link, and the shared library.
 
 add_library(zublipsyncapi_objects OBJECT
     cmdfrmwrk/src/Client.cpp
@@ -22,7 +22,7 @@ set_target_properties(zublipsyncapi_objects PROPERTIES
     VISIBILITY_INLINES_HIDDEN ON)
 target_compile_options(zublipsyncapi_objects PRIVATE -fno-rtti)
 if(ZUBLIPSYNCAPI_SANITIZERS)
-    # They slow it down, and fuzzers run it millions of times.
+    # Sanitizers slow the library down, and fuzzers call it millions of times.
     target_compile_options(zublipsyncapi_objects PRIVATE -O1)
 endif()
 target_include_directories(zublipsyncapi_objects PUBLIC ${PROJECT_SOURCE_DIR})
@@ -35,16 +35,16 @@ add_library(zublipsyncapi SHARED)
 add_library(zublipsyncapi::zublipsyncapi ALIAS zublipsyncapi)
 set_target_properties(zublipsyncapi PROPERTIES LINK_DEPENDS ${exports})
 if(ANDROID)
-    # Devices with pages of 16 KB load no library that is aligned to less.
+    # Devices with 16 KB pages refuse to load a library with a smaller alignment.
     target_link_options(zublipsyncapi PRIVATE LINKER:-z,max-page-size=16384)
-    # What is shipped goes without symbols; what a crash is looked at with keeps them.
+    # Ship the library without symbols, and keep a copy with symbols to analyse crashes.
     add_custom_command(TARGET zublipsyncapi POST_BUILD
         COMMAND ${CMAKE_COMMAND} -E make_directory unstripped
         COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:zublipsyncapi> unstripped/
         COMMAND ${CMAKE_STRIP} --strip-unneeded $<TARGET_FILE:zublipsyncapi>)
 else()
-    # An app on Android carries its libraries and finds them by names without versions; a Linux
-    # system keeps several versions apart.
+    # An Android app bundles its libraries and finds them by names without versions. A Linux system
+    # can have several versions at the same time.
     set_target_properties(zublipsyncapi PROPERTIES
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}
@@ -60,6 +60,6 @@ target_link_options(zublipsyncapi PRIVATE
     LINKER:--exclude-libs,ALL
     LINKER:--as-needed)
 if(NOT ZUBLIPSYNCAPI_SANITIZERS)
-    # clang leaves its sanitizers' functions to the executable.
+    # With clang, the executable provides the sanitizers' functions.
     target_link_options(zublipsyncapi PRIVATE LINKER:--no-undefined)
 endif()

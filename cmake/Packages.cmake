@@ -1,8 +1,8 @@
 # Debian packages: `cpack -G DEB` in the build folder.
 
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
-set(ZUBLIPSYNCAPI_CONTACT "Whoever built this package <root@localhost>" CACHE STRING
-    "Maintainer of the Debian packages, whom reports go to: Name <address>")
+set(ZUBLIPSYNCAPI_CONTACT "Local build <root@localhost>" CACHE STRING
+    "Maintainer of the Debian packages, who gets bug reports: Name <address>")
 set(CPACK_PACKAGE_CONTACT ${ZUBLIPSYNCAPI_CONTACT})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${PROJECT_DESCRIPTION})
 set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)

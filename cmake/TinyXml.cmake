@@ -1,8 +1,8 @@
-# TinyXML, always as a static library: ours has a switch set that is global to TinyXML, so it is
-# shared with nobody.
+# TinyXML, always as a static library: the library sets a switch that is global to TinyXML, so it
+# needs a private copy.
 
 set(TINYXML_SOURCE_DIR "" CACHE PATH
-    "Source of TinyXML, to be built with its own string class; if empty, the system's is used")
+    "TinyXML source, built with its own string class; if empty, the system's TinyXML is used")
 
 add_library(tinyxml INTERFACE)
 
@@ -11,7 +11,7 @@ if(ANDROID AND NOT TINYXML_SOURCE_DIR)
 endif()
 
 if(TINYXML_SOURCE_DIR)
-    # Debian's patched header insists on std::string; a copy of it goes without those lines.
+    # Debian's patched header forces std::string. Use a copy without those lines.
     file(READ ${TINYXML_SOURCE_DIR}/tinyxml.h TINYXML_HEADER)
     string(REGEX REPLACE "#ifndef TIXML_USE_STL[ \t\r\n]+#define TIXML_USE_STL[ \t\r\n]+#endif" ""
            TINYXML_HEADER "${TINYXML_HEADER}")
