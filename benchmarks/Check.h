@@ -5,7 +5,7 @@
 
 namespace benchmarks {
 
-/// Ends the run if a result is wrong: what something costs that does not work is of no interest.
+/// Ends the run if a result is wrong: the cost of a wrong result means nothing.
 inline void check(bool holds, const char* what) {
     if (!holds) {
         throw std::runtime_error(std::string("Does not hold: ") + what);

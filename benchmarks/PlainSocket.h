@@ -7,8 +7,8 @@
 
 namespace benchmarks {
 
-/// A socket that is connected to the Unix-domain socket with this path, or -1. The caller closes
-/// it.
+/// Connects to the Unix-domain socket at `path`. The caller closes the descriptor. Returns -1 on
+/// failure.
 inline int connectPlainly(const char* path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;

@@ -1,6 +1,6 @@
 # Draws how the cost of an answer grows with its size. Usage: gnuplot -c growth.gnuplot COSTS PICTURE.svg
-# A line of the costs has the name of a benchmark, a size and seconds. What is parallel to a thin line
-# grows like it.
+# Each line of COSTS has the name of a benchmark, a size and seconds. The dashed lines show linear and
+# quadratic growth: a curve parallel to one of them grows like it.
 
 set terminal svg size 900,560 font 'sans-serif,13' background '#ffffff'
 set output ARG2

@@ -1,5 +1,5 @@
-// Log lines of calls with any text in their parameters and results, compared with lines put
-// together by hand. The input is cut at zero bytes: a socket name, the text of a result, an event.
+// Logs calls with arbitrary text and compares each line with the expected one. Zero bytes split the
+// input into a socket name, the text of a result and an event.
 
 #include <cstdarg>
 #include <string>
@@ -20,7 +20,7 @@ struct Records {
     template <Level::Enum level>
     [[gnu::format(printf, 2, 0)]] static void valog(const char*, const char* format, va_list args) {
         char* text = nullptr;
-        fuzz::check(vasprintf(&text, format, args) >= 0, "formatting");
+        fuzz::check(vasprintf(&text, format, args) >= 0, "the record can be formatted");
         last = text;
         std::free(text);
         ++count;
@@ -68,7 +68,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         .addOutput("number", size * 7919UL)
         .setResult(result)
         .event(event);
-    fuzz::check(Records::count == 1, "one line");
-    fuzz::check(Records::last == expectedLine(event, name, result, size * 7919UL), "the line");
+    fuzz::check(Records::count == 1, "a call logs one line");
+    fuzz::check(Records::last == expectedLine(event, name, result, size * 7919UL),
+                "the line is the expected one");
     return 0;
 }

@@ -1,5 +1,5 @@
-// A document as both answers, in plain form and from a tree, and the limits of documents compared
-// with what TinyXML reads.
+// Reads a document as both kinds of answer. Compares the plain reader with TinyXML, and the
+// document limits with the tree that TinyXML builds.
 
 #include <tinyxml.h>
 
@@ -17,7 +17,7 @@ using namespace velta::zub::lipsync;
 
 constexpr std::size_t plenty = 1'000'000;
 
-// A document that is read without a tree reads the same from a tree.
+// If the plain reader accepts a document, TinyXML must read the same answer from it.
 template <typename Trait, typename Same>
 void comparePlain(const std::string& text, const Same& same) {
     typename Trait::Type plain;
@@ -30,12 +30,12 @@ void comparePlain(const std::string& text, const Same& same) {
                 "a plain document parses");
     typename Trait::Type answer;
     fuzz::check(XmlTraitSerializer<Trait>::fromXml(*command, answer, Trait::tag).isSuccess(),
-                "a plain document can be read");
+                "a plain document can be read from a tree");
     fuzz::check(plain.result.code == answer.result.code &&
                     plain.result.message == answer.result.message &&
                     plain.result.trailer == answer.result.trailer &&
                     plain.result.causes == answer.result.causes && same(plain, answer),
-                "it reads the same");
+                "both readers give the same answer");
 }
 
 bool sameTimestamps(const GetAudioTs::Answer& a, const GetAudioTs::Answer& b) {
@@ -49,13 +49,14 @@ template <typename Answer>
 void read(const std::string& text) {
     Answer answer;
     const Result result = Serializer().deserialize(text, answer);
-    fuzz::check(result.isSuccess() == (result.format() == "Success"), "failures say so");
+    fuzz::check(result.isSuccess() == (result.format() == "Success"),
+                "only a success reads Success");
     fuzz::check(
         result.isSuccess() || answer.result.isFailure() || answer.result.format() == "Success",
-        "the verdict has a text");
+        "a successful verdict reads Success");
 }
 
-// The size that the structure really has.
+// The nesting and attributes of a tree.
 detail::DocumentLimits measured(const TiXmlNode& node) {
     detail::DocumentLimits size{0, 0};
     for (const TiXmlNode* child = node.FirstChild(); child; child = child->NextSibling()) {
@@ -79,14 +80,14 @@ void compareLimits(const std::string& text) {
     TiXmlDocument document;
     document.Parse(padded.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
     const detail::DocumentLimits size = measured(document);
-    // TinyXML stops at an attribute that is named twice; there the limits count what follows.
+    // TinyXML stops at a duplicate attribute, but isWithin goes on counting.
     if (document.ErrorId() != TiXmlBase::TIXML_ERROR_PARSING_ELEMENT) {
-        fuzz::check(detail::isWithin(size, padded), "what TinyXML reads is within its own size");
+        fuzz::check(detail::isWithin(size, padded), "a document is within its own size");
     }
     fuzz::check(size.nesting == 0 || !detail::isWithin({size.nesting - 1, plenty}, padded),
-                "deeper nesting is noticed");
+                "one level too many is refused");
     fuzz::check(size.attributes == 0 || !detail::isWithin({plenty, size.attributes - 1}, padded),
-                "more attributes are noticed");
+                "one attribute too many is refused");
 }
 
 } // namespace

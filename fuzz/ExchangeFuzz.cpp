@@ -1,5 +1,5 @@
-// What an engine sends, in pieces of a size that the first byte gives, up to its hanging up:
-// through the link and the protocol into one command after the other.
+// Sends an engine's bytes through link and protocol to one command after the other, until the end
+// of the stream. The first byte gives the size of the pieces in which they arrive.
 
 #include <sys/socket.h>
 #include <unistd.h>
@@ -23,11 +23,11 @@ using velta::zub::lipsync::SetAudioDelay;
 
 constexpr std::size_t largestRead = 511;
 
-// As many as a socket holds without somebody reading.
+// A socket holds this many pieces before anybody reads.
 constexpr std::size_t mostPieces = 100;
 
-// Sends the pieces so that each arrives in a read of its own. The text that the library should
-// make of them: in each piece, what stands before the first zero byte.
+// Sends the bytes in pieces, each of which arrives in its own read. Returns the text that the
+// library must receive: of each piece, the bytes before the first zero byte.
 std::string sendPieces(int socket, const char* bytes, std::size_t size, std::size_t pieceSize) {
     std::string expected;
     while (size > 0) {
@@ -84,11 +84,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
             break;
         }
         fuzz::check(result.isSuccess() || result.code == Client::ResultCode::SerializerError,
-                    "a whole message is read or refused");
+                    "a complete message is read or refused");
         ++messages;
         discardRequest(sockets[1]);
     }
-    fuzz::check(messages == countMessages(text), "every message is answered for");
+    fuzz::check(messages == countMessages(text), "every message ends one command");
     close(sockets[1]);
     return 0;
 }

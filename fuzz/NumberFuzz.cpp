@@ -1,4 +1,4 @@
-// Numbers in both directions, compared with plain string streams under the same rules.
+// Compares reading and writing of numbers with string streams under the same rules.
 
 #include <locale>
 #include <sstream>
@@ -44,11 +44,12 @@ void compare(const std::string& text, bool isMinusAllowed) {
     T value{7};
     T expected{7};
     const bool isNumber = Convertor<T>::fromString(text, value);
-    fuzz::check(isNumber == readByStream(text, isMinusAllowed, expected), "what is a number");
-    fuzz::check(value == (isNumber ? expected : 7), "which number");
+    fuzz::check(isNumber == readByStream(text, isMinusAllowed, expected),
+                "both accept the same texts");
+    fuzz::check(value == (isNumber ? expected : 7), "both read the same number");
     std::string written;
     fuzz::check(Convertor<T>::toString(value, written), "every number can be written");
-    fuzz::check(written == writtenByStream(value), "how it is written");
+    fuzz::check(written == writtenByStream(value), "both write the same text");
 }
 
 } // namespace
@@ -66,6 +67,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string written;
     fuzz::check(CastConvertor<Command::ResultCode, int>::toString(code, written) &&
                     written == writtenByStream(number),
-                "and written as it");
+                "a code is written as its number");
     return 0;
 }

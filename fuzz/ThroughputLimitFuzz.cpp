@@ -1,4 +1,4 @@
-// Values of LIBLOG_THROUGHPUT_LIMIT, compared with a reading of "%u/%u" that uses no scanf.
+// Compares the reading of LIBLOG_THROUGHPUT_LIMIT with a parser of "%u/%u" that does without scanf.
 
 #include <cctype>
 #include <cstdlib>
@@ -11,7 +11,7 @@ namespace {
 
 using velta::zub::log::ThroughputLimit;
 
-// One "%u": white space, a sign, digits. Null if there is none.
+// Reads one "%u": white space, a sign, digits. Returns null if there is none.
 const char* readNumber(const char* at, std::uint32_t& number) {
     while (std::isspace(static_cast<unsigned char>(*at)) != 0) {
         ++at;
@@ -35,7 +35,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const char* at = readNumber(setting.c_str(), records);
     const bool isValid = at != nullptr && *at == '/' && readNumber(at + 1, pauseMs) != nullptr;
     fuzz::check(limit.counter == 0, "counting starts at 0");
-    fuzz::check(limit.limit == (isValid ? records : 0), "the limit");
-    fuzz::check(limit.pauseUs == (isValid ? pauseMs * 1000U : 0), "the pause");
+    fuzz::check(limit.limit == (isValid ? records : 0), "the limit is the expected one");
+    fuzz::check(limit.pauseUs == (isValid ? pauseMs * 1000U : 0), "the pause is the expected one");
     return 0;
 }

@@ -12,7 +12,7 @@ namespace {
 
 class Bus {
 public:
-    // Flushing waits until the client has authenticated itself.
+    // Flushing waits until authentication is complete.
     explicit Bus(const std::string& path) {
         benchmarks::check(sd_bus_new(&_bus) >= 0 &&
                               sd_bus_set_address(_bus, ("unix:path=" + path).c_str()) >= 0 &&

@@ -12,7 +12,7 @@ namespace exchange {
 
 namespace {
 
-// Numbers are in the byte order of the machine, which the first byte tells.
+// Numbers are little-endian, as `order` tells the receiver.
 struct Header {
     char order = 'l';
     char type = 2;
@@ -23,7 +23,7 @@ struct Header {
     std::uint32_t fieldsSize = 0;
 };
 
-// A method's return with four unsigned 64-bit numbers. Each field begins, and the body too, at a
+// A method return with four unsigned 64-bit numbers. Each header field and the body start at a
 // multiple of eight bytes.
 struct Answer {
     Header header;
@@ -49,8 +49,8 @@ bool sendAll(int fd, const void* bytes, std::size_t size) {
     return send(fd, bytes, size, MSG_NOSIGNAL) == static_cast<ssize_t>(size);
 }
 
-// The client sends all it has to say in one go, and is told in one go that everything was right:
-// its identity was asked for and accepted, and descriptors may be passed.
+// The client sends all its authentication commands at once. One reply accepts them all: it asks for
+// the identity, accepts it and allows passing of descriptors.
 bool authenticate(int fd) {
     const std::string accepted = "DATA\r\nOK " + std::string(32, '1') + "\r\nAGREE_UNIX_FD\r\n";
     char received[256];
@@ -58,8 +58,8 @@ bool authenticate(int fd) {
            sendAll(fd, accepted.data(), accepted.size());
 }
 
-// A call arrives in one piece: its sender waits for the answer before it sends more. What is not
-// just one call is not answered, and ends the connection.
+// A call arrives in one read, because its sender waits for the answer before it sends more.
+// Anything but exactly one call ends the connection without an answer.
 bool isCall(const Header& call, std::size_t size) {
     return call.order == 'l' && call.type == 1 &&
            size == sizeof(call) + (call.fieldsSize + 7) / 8 * 8 + call.bodySize;

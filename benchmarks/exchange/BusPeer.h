@@ -8,8 +8,8 @@
 
 namespace exchange {
 
-/// Answers one client's method calls in the D-Bus wire format, on a thread of its own, with
-/// prepared messages in which only the two serials are filled in.
+/// Answers one client's method calls in the D-Bus wire format, on its own thread. The messages are
+/// prepared; only the two serials are filled in for each call.
 class BusPeer {
 public:
     BusPeer();

@@ -14,7 +14,7 @@ namespace exchange {
 
 namespace {
 
-// What the library asks for in one read.
+// The size of the library's reads.
 constexpr std::size_t chunkSize = 511;
 
 std::string requestOfLibrary() {
@@ -40,7 +40,7 @@ public:
     Floor(const Floor&) = delete;
     Floor& operator=(const Floor&) = delete;
 
-    // An answer is written, and so read, in one piece.
+    // The engine sends an answer with one write, so one read gets all of it.
     [[gnu::noinline]] bool exchange(std::size_t number) {
         const std::string& expected = _answers[number % answerCount];
         char received[chunkSize];

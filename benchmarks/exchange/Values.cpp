@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::uint64_t second = std::uint64_t{1} << 32;
 
-// A morning of 2025, a frame of 20 ms each time; all have as many digits as the first.
+// A time in 2025. Captures are 20 ms apart, and all have the same number of digits.
 constexpr std::uint64_t firstCapture = 3'960'000'000 * second;
 
 } // namespace

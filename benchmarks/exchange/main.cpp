@@ -1,5 +1,5 @@
-// What one `getAudioTimestamps` costs, beside other ways to get the same values. Client and far end
-// share one core: otherwise the wake-up of the other core drowns everything.
+// Compares the cost of one `getAudioTimestamps` with other ways to get the same values. Client and
+// peer share one core: otherwise waking the other core costs more than everything else.
 
 #include <sched.h>
 
@@ -12,12 +12,13 @@
 
 namespace {
 
-// The core on which the scheduler has started this process was not the busiest one.
+// Stays on the current core: the scheduler did not choose the busiest one.
 void stayOnOneCore() {
     cpu_set_t cores;
     CPU_ZERO(&cores);
     CPU_SET(static_cast<std::size_t>(sched_getcpu()), &cores);
-    benchmarks::check(sched_setaffinity(0, sizeof(cores), &cores) == 0, "one core is enough");
+    benchmarks::check(sched_setaffinity(0, sizeof(cores), &cores) == 0,
+                      "the process stays on one core");
 }
 
 void add(const char* name, void (*contestant)(benchmark::State&)) {
@@ -27,7 +28,7 @@ void add(const char* name, void (*contestant)(benchmark::State&)) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // A far end that goes away is reported, not died of.
+    // If the peer closes the connection, report an error instead of dying from the signal.
     std::signal(SIGPIPE, SIG_IGN);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {

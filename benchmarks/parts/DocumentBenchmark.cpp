@@ -11,7 +11,7 @@ using velta::zub::lipsync::SetAudioDelay;
 
 template <typename Request>
 void serialize(benchmark::State& state, const Request& request, const std::string& content) {
-    // The engine's answers end with a marker, documents do not.
+    // Documents do not include the end marker.
     std::string expected = tests::frame(content);
     expected.resize(expected.size() - 2);
     measure(state, [&] {
@@ -50,7 +50,7 @@ void deserializeGetAudioTs(benchmark::State& state, const std::string& message) 
         });
 }
 BENCHMARK_CAPTURE(deserializeGetAudioTs, plain, "");
-// An entity is left to TinyXML.
+// TinyXML reads answers that have an entity.
 BENCHMARK_CAPTURE(deserializeGetAudioTs, byTree, "&amp;");
 
 void deserializeSetAudioDelay(benchmark::State& state) {

@@ -1,6 +1,5 @@
-// How the cost of one answer grows with its size. What is timed is the processor's time for this
-// thread: neither the other processes of a busy machine nor the sender's work are costs of the
-// receiver.
+// How the cost of one answer grows with its size. Measures the processor time of this thread, which
+// includes neither other processes nor the sender's work.
 
 #include <benchmark/benchmark.h>
 #include <time.h>
@@ -38,7 +37,7 @@ void sizesUpTo(benchmark::internal::Benchmark* benchmark, long largest) {
     }
 }
 
-// Sends what is left of these bytes, in pieces, up to the end or to where sending would block.
+// Sends the remaining bytes in pieces, until all are sent or sending fails or would block.
 struct Sender {
     void send(int flags) {
         while (sent < bytes.size()) {
@@ -57,12 +56,12 @@ struct Sender {
     std::size_t sent = 0;
 };
 
-// The entity keeps an answer from being read without a tree, which costs less.
+// The entity makes sure that the answer is read from a tree, which costs more.
 std::string answerWith(const std::string& message) {
     return tests::timestampsFrame("917", "958", "934", "60", "1000", "&amp;" + message);
 }
 
-// What of a document of `size` bytes is its message's, behind the entity.
+// The length of the message after the entity, in a document of `size` bytes.
 std::size_t messageSize(std::size_t size) {
     return size - (answerWith("").size() - TextProtocol::endMessageMarker.size());
 }
@@ -71,8 +70,7 @@ std::string answerOf(std::size_t size) {
     return answerWith(std::string(messageSize(size), 'x'));
 }
 
-// The socket is filled before the time starts, so that reading waits for nothing; the rest comes
-// from a thread.
+// Fills the socket before timing starts, so that reading need not wait. A thread sends the rest.
 void receive(benchmark::State& state, int socketType, std::size_t pieceSize) {
     const auto size = static_cast<std::size_t>(state.range(0));
     const std::string frame = answerOf(size);
@@ -93,7 +91,7 @@ void receive(benchmark::State& state, int socketType, std::size_t pieceSize) {
             rest.join();
         }
         const std::unique_ptr<std::string> owner(message);
-        check(isReceived && message->size() == size, "the answer is received as a whole");
+        check(isReceived && message->size() == size, "the whole answer is received");
     }
 }
 
@@ -112,15 +110,14 @@ void growthDeserialize(benchmark::State& state) {
 }
 BENCHMARK(growthDeserialize)->Apply([](auto* benchmark) { sizesUpTo(benchmark, 16 * megabyte); });
 
-// On a stream, each read brings as much as it asks for.
+// On a stream, each read returns as much as it asks for.
 void growthReceive(benchmark::State& state) {
     receive(state, SOCK_STREAM, SIZE_MAX);
 }
 BENCHMARK(growthReceive)->Apply([](auto* benchmark) { sizesUpTo(benchmark, 16 * megabyte); });
 
-// A socket of packets keeps single bytes apart, whichever of writer and reader is faster. Every
-// byte costs a search of the whole buffer: 1 MB takes ten seconds, and twice as much four times as
-// long.
+// On a packet socket each byte needs its own read, however fast the sender is. Each byte costs a
+// search of the whole buffer: 1 MB takes seconds, and twice the size takes four times as long.
 void growthReceiveBytes(benchmark::State& state) {
     receive(state, SOCK_SEQPACKET, 1);
 }

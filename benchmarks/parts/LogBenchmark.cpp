@@ -22,7 +22,7 @@ using velta::zub::log::throughput_limit;
 unsigned long platformRecords = 0;
 unsigned long droppedRecords = 0;
 
-// A line is made, and goes nowhere.
+// Discards the finished line.
 struct Nowhere {
     template <Level::Enum level>
     [[gnu::format(printf, 2, 0)]] static void valog(const char*, const char*, va_list) {
@@ -35,7 +35,7 @@ struct DroppingLogger {
     static constexpr const char* tag = velta::zub::lipsyncapi::Logger::tag;
 };
 
-// The line of getAudioTimestamps.
+// Logs the line of getAudioTimestamps.
 template <typename Logger>
 void writeLine() {
     ApiLog<Logger>()
@@ -56,7 +56,7 @@ void makeLogLine(benchmark::State& state) {
 }
 BENCHMARK(makeLogLine);
 
-// Through the library's own outputs, the platform's writer being replaced below.
+// Uses the library's own outputs. The platform's writer is replaced below.
 void makeAndWriteLogLine(benchmark::State& state) {
     const tests::Silence silence;
     measure(state, [] {
@@ -74,8 +74,8 @@ BENCHMARK(makeAndWriteLogLine);
     va_end(args);
 }
 
-// The way of a record to the platform's writer, with the throughput limit off or on; its pause is
-// as far away as it can be.
+// Passes a record to the platform's writer, with the throughput limit off or on. The limit is so
+// high that no record waits.
 void passThroughputLimit(benchmark::State& state) {
     if (state.range(0) != 0) {
         throughput_limit = {0, UINT32_MAX, 1000};
@@ -86,14 +86,14 @@ void passThroughputLimit(benchmark::State& state) {
         return platformRecords == before + 1;
     });
     benchmarks::check((throughput_limit.counter != 0) == throughput_limit.isOn(),
-                      "records are counted if there is a limit");
+                      "records are counted only if there is a limit");
     throughput_limit = {0, 0, 0};
 }
 BENCHMARK(passThroughputLimit)->ArgName("on")->Arg(0)->Arg(1);
 
 } // namespace
 
-// Takes the place of the platform's log writer.
+// Replaces the platform's log writer.
 extern "C" int __android_log_vprint(int, const char*, const char*, va_list) {
     ++platformRecords;
     return 1;

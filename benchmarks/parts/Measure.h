@@ -7,8 +7,7 @@
 
 namespace benchmarks {
 
-/// Times `operation`, which says each time whether it came to the right result, and shows its
-/// allocations.
+/// Times `operation`, which returns whether its result is right, and reports its allocations.
 template <typename Operation>
 void measure(benchmark::State& state, const Operation& operation) {
     bool isRight = true;
@@ -19,7 +18,7 @@ void measure(benchmark::State& state, const Operation& operation) {
     const auto allocations = static_cast<double>(tests::memory.allocations - before);
     state.counters["allocations"] =
         benchmark::Counter(allocations, benchmark::Counter::kAvgIterations);
-    check(isRight, "the result of a benchmark");
+    check(isRight, "the operation has the right result");
 }
 
 } // namespace benchmarks

@@ -1,5 +1,5 @@
-// Messages over a pair of sockets. The other side reads or writes in the same thread, which is part
-// of the time: how much of it the system takes shows what goes past the protocol.
+// Sends and receives messages over a pair of sockets. The peer reads or writes in the same thread,
+// so the time includes its system calls. `bareSockets` shows the cost of the system calls alone.
 
 #include <cstring>
 #include <memory>
@@ -15,7 +15,7 @@ using tests::SocketPair;
 using velta::zub::comms::Link;
 using velta::zub::comms::TextProtocol;
 
-// About the size of a request and of an answer, and one that takes several reads.
+// Typical sizes of a request and an answer, and a size that takes several reads.
 constexpr int requestSize = 80;
 constexpr int answerSize = 400;
 constexpr int longSize = 4000;

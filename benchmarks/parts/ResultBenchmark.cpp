@@ -10,7 +10,7 @@ using velta::zub::comms::Link;
 using velta::zub::comms::TextProtocol;
 using velta::zub::lipsyncapi::Service;
 
-// A failure with a chain of so many causes behind it, built as the layers do.
+// A failure with a chain of `causes` causes, built as the layers do.
 Peer::Result failure(long causes) {
     Peer::Result result = Peer::ResultCode::ConnectionClosedByDistant;
     for (long cause = 0; cause < causes; ++cause) {
@@ -34,7 +34,7 @@ void formatFailure(benchmark::State& state) {
 }
 BENCHMARK(formatFailure)->Arg(1)->Arg(2)->Arg(4)->Arg(8);
 
-// What a success costs on its way from the link up to the caller.
+// Passes a success through all layers, from the link up to the caller.
 void passSuccess(benchmark::State& state) {
     measure(state, [] {
         const Link::Result link = Link::Result::success();

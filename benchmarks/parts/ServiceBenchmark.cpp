@@ -1,5 +1,5 @@
-// Connecting, and whole exchanges, in one thread: the engine's side is part of the time. Log lines
-// do not reach the platform's writer.
+// Connects, and makes whole exchanges. The engine runs in the same thread, so its part is included
+// in the time. The platform's log writer is replaced in LogBenchmark.cpp.
 
 #include <unistd.h>
 
@@ -28,7 +28,7 @@ public:
 
     int accept() const { return _listener.accept(); }
 
-    // The next client's connection is closed.
+    // Closes the next client's connection.
     bool drop() const { return close(accept()) == 0; }
 
 private:

@@ -6,7 +6,7 @@
 #include "lipsyncapi/Service.h"
 
 int main(int argc, char** argv) {
-    // The log goes nowhere.
+    // Discard the log.
     if (argc != 2 || std::freopen("/dev/null", "w", stderr) == nullptr) {
         return EXIT_FAILURE;
     }

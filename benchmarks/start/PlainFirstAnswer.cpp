@@ -1,5 +1,5 @@
-// Does what first_answer does with system calls alone: it sends a fixed request, and searches the
-// answer for a success. Usage: plain_first_answer SOCKET
+// Does the same as first_answer, but with system calls only: sends a fixed request and searches the
+// answer for the code of success. Usage: plain_first_answer SOCKET
 
 #include <unistd.h>
 
@@ -14,7 +14,7 @@ namespace {
 constexpr char request[] =
     "<?xml version=\"1.0\" ?><AZUB version=\"0.1.0\"><GetAudioTs_Request /></AZUB>\n\n";
 
-// The answer is written, and so read, in one piece.
+// The engine sends an answer with one write, so one read gets all of it.
 bool getAnswer(int fd) {
     constexpr ssize_t requestSize = sizeof(request) - 1;
     char answer[4096] = {};

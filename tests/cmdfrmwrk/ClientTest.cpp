@@ -18,7 +18,7 @@ using velta::zub::lipsync::Serializer;
 
 namespace {
 
-// A command whose request cannot be written.
+// A command whose request cannot be serialized.
 struct Refused : GetAudioTs {
     struct Request {};
 };
@@ -40,7 +40,7 @@ using RefusingSerializer = velta::zub::cmdfrmwrk::XmlSerializer<
 
 } // namespace
 
-TEST(CommandClient, SendsNothingWhenARequestCannotBeWritten) {
+TEST(CommandClient, SendsNothingIfTheRequestCannotBeSerialized) {
     const SocketPair pair;
     Client client(new Link(pair.takeNear()));
     GetAudioTs::Answer answer;

@@ -24,7 +24,7 @@ std::string failure(const std::string& what, int error) {
            std::to_string(error) + ")}";
 }
 
-// What connecting says; no failure may leave a link or a descriptor behind.
+// The result of `connect`, which must not leak a link or a descriptor.
 template <typename Connect>
 std::string outcome(const Connect& connect) {
     const auto before = tests::openDescriptors();
@@ -47,7 +47,7 @@ std::string connectTcp(const std::string& host, int port) {
 
 } // namespace
 
-TEST(CommsClient, TakesThe108BytesOfAPathAndNoMore) {
+TEST(CommsClient, UsesOnlyTheFirst108BytesOfAPath) {
     const tests::TemporaryDirectory directory;
     std::string path = directory.path() + "/";
     path.append(108 - path.size(), 'p');
@@ -74,14 +74,14 @@ TEST(CommsClient, ConnectsToTcpPortsModulo65536) {
     tests::systemCalls = {Call::Socket, 0, 1, EMFILE};
     EXPECT_EQ(connectTcp("127.0.0.1", port),
               failure("Unable to create socket to " + target, EMFILE));
-    // The errno is looked at after closing.
+    // The client reads errno only after it has closed the socket.
     tests::systemCalls = {Call::Close, 0, 1, EIO};
     EXPECT_EQ(connectTcp("127.0.0.1", port), failure("Unable to connect to " + target, EIO));
 
     ASSERT_EQ(listen(listener, 4), 0);
     EXPECT_EQ(connectTcp("127.0.0.1", port), "Success");
     EXPECT_EQ(connectTcp("127.0.0.1", port + 65536), "Success");
-    // A text that is no address stands for this machine.
+    // A host that is not an address is taken as 0.0.0.0, which is this machine.
     EXPECT_EQ(connectTcp("localhost", port), "Success");
     close(listener);
 }

@@ -24,7 +24,7 @@ std::string read(Link& link) {
 
 } // namespace
 
-TEST(Link, RefusesNullAndNothingWithoutTouchingTheSocket) {
+TEST(Link, ChecksArgumentsBeforeItUsesTheSocket) {
     SocketPair pair;
     Link link(pair.takeNear());
     pair.closeFar();
@@ -37,7 +37,7 @@ TEST(Link, RefusesNullAndNothingWithoutTouchingTheSocket) {
     }
 }
 
-TEST(Link, IsClosedOnce) {
+TEST(Link, ShutsTheSocketDownOnlyOnce) {
     std::signal(SIGPIPE, SIG_IGN);
     SocketPair pair;
     Link link(pair.takeNear());
@@ -61,7 +61,7 @@ TEST(Link, ClosingWakesABlockedRead) {
     closer.join();
 }
 
-TEST(LinkDeathTest, RefusesDescriptorsThatAreNotPositive) {
+TEST(LinkDeathTest, AbortsIfTheDescriptorIsNotPositive) {
     const std::string line =
         "F/VELTA comms/src/Link.cpp:40: Assertion fdLinkSocket > 0 failed: Invalid file descritpor";
     EXPECT_DEATH(Link(0), line);

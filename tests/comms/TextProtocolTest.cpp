@@ -16,7 +16,7 @@ namespace {
 const std::string closedByDistant =
     "Protocol has been closed by distant (Code 40005): {Closed by distant (Code 10003)}";
 
-// The next message, or why there is none.
+// Receives the next message. Returns the formatted result if there is none.
 std::string receive(TextProtocol& protocol) {
     std::string* message = reinterpret_cast<std::string*>(1);
     const TextProtocol::Result result = protocol.receive(message);
@@ -25,7 +25,7 @@ std::string receive(TextProtocol& protocol) {
     return message != nullptr ? *message : result.format();
 }
 
-// What arrives in one read each, and what is received then.
+// Packets that each arrive in one read, and the messages received from them.
 struct Stream {
     std::vector<std::string> packets;
     std::vector<std::string> received;
@@ -33,8 +33,8 @@ struct Stream {
 
 } // namespace
 
-TEST(TextProtocol, SendsTextAndMarkerInOneWrite) {
-    // A socket of packets keeps writes apart.
+TEST(TextProtocol, SendsMessageAndEndMarkerInOneWrite) {
+    // A packet socket keeps writes separate.
     SocketPair pair(SOCK_SEQPACKET);
     TextProtocol protocol(new Link(pair.takeNear()));
     for (const std::string message : {"abc", "", "a\n\nb"}) {
@@ -43,7 +43,7 @@ TEST(TextProtocol, SendsTextAndMarkerInOneWrite) {
     }
 }
 
-TEST(TextProtocol, CutsTheStreamIntoMessages) {
+TEST(TextProtocol, SplitsTheStreamIntoMessages) {
     const std::string text(511, 'x');
     const Stream streams[] = {
         {{"abc\n\n"}, {"abc"}},
@@ -54,12 +54,12 @@ TEST(TextProtocol, CutsTheStreamIntoMessages) {
         {{"a\n\n\n", "\n"}, {"a", ""}},
         {{"a\n\n\nb\n\n"}, {"a", "\nb"}},
         {{"a\nb\n\n"}, {"a\nb"}},
-        // One read brings 511 bytes at most; what a packet has beyond that is lost.
+        // One read returns at most 511 bytes. The rest of a longer packet is lost.
         {{text, text + "lost", "\n\nrest\n\n"}, {text + text, "rest"}},
-        // A zero byte ends what its read brings.
+        // A zero byte and the bytes after it in the same read are dropped.
         {{std::string("ab\0cd\n\n", 7), "e\n\n"}, {"abe"}},
         {{std::string("\0ab\n\n", 5), "e\n\n"}, {"e"}},
-        // An empty packet reads as an end of the stream. The unfinished message is kept.
+        // An empty packet looks like the end of the stream. The incomplete message is kept.
         {{"par", "", "tial\n\n"}, {closedByDistant, "partial"}},
     };
     for (const Stream& stream : streams) {
@@ -76,7 +76,7 @@ TEST(TextProtocol, CutsTheStreamIntoMessages) {
     }
 }
 
-TEST(TextProtocolDeathTest, RefusesANullLink) {
+TEST(TextProtocolDeathTest, AbortsIfTheLinkIsNull) {
     EXPECT_DEATH(TextProtocol(nullptr),
                  "F/VELTA comms/src/TextProtocol.cpp:97: Assertion link != NULL failed: "
                  "Null pointer");

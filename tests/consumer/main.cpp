@@ -1,4 +1,4 @@
-// What the smallest user of an installed library looks like.
+// A minimal program that uses an installed library.
 
 #include <cstdio>
 

@@ -1,4 +1,4 @@
-// What the fuzzers check, over all inputs that they have kept.
+// Runs every fuzzer's checks on all inputs of its corpus.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ Fuzzer fuzzThroughputLimit;
 
 namespace {
 
-// A fuzzer that finds a fault ends the process.
+// A failed check aborts the process, so each path is printed before its check.
 void run(Fuzzer& fuzzer, const std::string& corpus) {
     int inputs = 0;
     for (const auto& file : std::filesystem::directory_iterator(CORPUS "/" + corpus)) {

@@ -1,4 +1,4 @@
-// Each system call and each allocation of each operation fails: what is left behind then.
+// Makes each system call and each allocation of each operation fail, and checks the outcome.
 
 #include <android/log.h>
 #include <gtest/gtest.h>
@@ -54,7 +54,7 @@ const std::string nowhere = "/nowhere/to/be/found";
 const std::string closedByDistant =
     "Connection closed by distant (Code 5905): {Protocol has been closed by distant (Code 40005): "
     "{Closed by distant (Code 10003)}}}";
-// Longer than what one read brings.
+// Longer than one read.
 const std::string longText(600, 'm');
 
 // clang-format off
@@ -70,7 +70,7 @@ const Operation operations[] = {
     {true, setMargin, "The lipsync server returned an error (Code 1006): {Unknown error (Code "
      "1001): " + longText + '}', tests::delayFrame("1001", longText)},
     {true, getTimestamps, "Success", tests::timestampsFrame("1", "2", "3", "4")},
-    // An entity is left to TinyXML.
+    // TinyXML reads answers that have an entity.
     {true, getTimestamps, "The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): "
      "&}", tests::timestampsFrame("1", "2", "3", "4", "1003", "&amp;")},
 };
@@ -78,7 +78,7 @@ const Operation operations[] = {
 
 char lastRecord[4096];
 
-// What a call leaves behind. Its texts take no memory while memory is watched.
+// The outcome of a call. Space for texts is reserved first, so that it does not count as lost.
 struct Outcome {
     Outcome() {
         result.reserve(sizeof(lastRecord));
@@ -92,7 +92,7 @@ struct Outcome {
     long lostBlocks = 0;
 };
 
-// Runs an operation on a service of its own, which can be connected again whatever has failed.
+// Runs an operation on a new service, and checks that it can connect again after any failure.
 void run(const Operation& operation, const SystemCalls& plan, int failingAllocation,
          Outcome& outcome) {
     Caller caller{outcome.path};
@@ -112,7 +112,7 @@ void run(const Operation& operation, const SystemCalls& plan, int failingAllocat
     systemCalls = {};
     outcome.result.assign(result ? result->format() : "bad_alloc");
     outcome.record.assign(lastRecord);
-    // Values are handed out only with a success.
+    // The timestamps change only if the call succeeds.
     EXPECT_EQ(caller.timestamps.jbmCurrentDepth != 8,
               operation.run == getTimestamps && outcome.result == "Success");
     if (caller.service) {
@@ -130,7 +130,7 @@ Outcome observe(const Operation& operation, const SystemCalls& plan, int failing
         const long blocks = memory.blocks();
         run(operation, plan, failingAllocation, outcome);
         outcome.lostBlocks = memory.blocks() - blocks;
-        // A request is sent as a whole, in any number of pieces.
+        // Without a failure a request arrives completely, in any number of pieces.
         const std::string request = engine.received();
         EXPECT_TRUE(outcome.hasFailed || request.empty() ||
                     request.find("\n\n") == request.size() - 2);
@@ -139,13 +139,13 @@ Outcome observe(const Operation& operation, const SystemCalls& plan, int failing
     return outcome;
 }
 
-// What an operation comes to when a system call fails in it.
+// The expected result of an operation when a system call fails in it.
 std::string expected(const Operation& operation, Call call, int error, const std::string& path) {
     const std::string cause =
         std::string("{") + std::strerror(error) + " (Code " + std::to_string(error) + ")}";
     const bool isToNobody = operation.result.find(nowhere) != std::string::npos;
     const std::string target = "Unable to connect to " + (isToNobody ? nowhere : path) + ' ';
-    // A connect that has failed looks at the errno after closing.
+    // A failed connect reads errno only after it has closed the socket.
     if (call == Call::Socket || call == Call::Connect || (call == Call::Close && isToNobody)) {
         return "Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code 20002): " +
                (call == Call::Socket ? "" : target) + cause + '}';
@@ -161,8 +161,8 @@ std::string expected(const Operation& operation, Call call, int error, const std
                             cause + "}}}");
 }
 
-// How many blocks the parser alone loses of an answer when its allocations fail one by one: it
-// forgets the node that it is reading.
+// The number of blocks that TinyXML itself leaks if its allocations for an answer fail one by one:
+// it does not free the node that it is reading.
 long blocksLostByParser(const std::string& answer) {
     const std::string text = answer.substr(0, answer.find("\n\n"));
     const long blocks = memory.blocks();
@@ -180,14 +180,14 @@ long blocksLostByParser(const std::string& answer) {
 
 } // namespace
 
-TEST(Faults, EveryFailingSystemCallEndsInItsResult) {
+TEST(Faults, AFailingSystemCallGivesTheExpectedResult) {
     const tests::Silence silence;
     for (const Operation& operation : operations) {
         for (const Call call :
              {Call::Socket, Call::Connect, Call::Write, Call::Read, Call::Shutdown, Call::Close}) {
             for (const int error : {EINTR, EAGAIN, EPIPE, ECONNRESET, EBADF, EMFILE}) {
                 Outcome outcome;
-                // In pieces, so that the fault finds messages half through.
+                // Small pieces, so that calls also fail in the middle of a message.
                 for (int n = 0; n == 0 || outcome.hasFailed; ++n) {
                     outcome = observe(operation, {call, n, 100, error, 16});
                     const std::string result = outcome.hasFailed
@@ -201,7 +201,7 @@ TEST(Faults, EveryFailingSystemCallEndsInItsResult) {
     }
 }
 
-TEST(Faults, EveryFailingAllocationEndsTheCallAndNothingIsLost) {
+TEST(Faults, AFailingAllocationThrowsOrKeepsTheResultAndLeaksNothing) {
     const tests::Silence silence;
     for (const Operation& operation : operations) {
         const Outcome plain = observe(operation, {});
@@ -211,15 +211,15 @@ TEST(Faults, EveryFailingAllocationEndsTheCallAndNothingIsLost) {
             outcome = observe(operation, {}, n);
             lostBlocks += outcome.lostBlocks;
             EXPECT_TRUE(outcome.result == plain.result || outcome.result == "bad_alloc");
-            // A line for which there is no memory is dropped as a whole.
+            // If there is no memory for a log line, the whole line is dropped.
             EXPECT_TRUE(outcome.record.empty() || outcome.record.size() == plain.record.size());
         }
-        // An answer that needs no parser loses nothing.
+        // Only TinyXML leaks, and only what it leaks without the library.
         EXPECT_TRUE(lostBlocks == 0 || lostBlocks == blocksLostByParser(operation.answer));
     }
 }
 
-TEST(Faults, ASuccessTakesNoMemory) {
+TEST(Faults, ASuccessAllocatesNoMemory) {
     const Service::Result success = Service::Result::success();
     const long before = memory.allocations;
     Service::Result copy = Service::ResultCode::UnknownError;
@@ -228,7 +228,7 @@ TEST(Faults, ASuccessTakesNoMemory) {
     EXPECT_EQ(memory.allocations, before);
 }
 
-// Takes the place of the platform's log writer, and needs no memory.
+// Replaces the platform's log writer, and does not allocate.
 extern "C" int __android_log_vprint(int, const char*, const char* format, va_list args) {
     std::vsnprintf(lastRecord, sizeof(lastRecord), format, args);
     return 1;

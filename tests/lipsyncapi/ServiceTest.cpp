@@ -37,7 +37,7 @@ std::string delayRequest(const std::string& delayMs) {
     return tests::frame("<SetAudioDelay_Request>" + delayMs + "</SetAudioDelay_Request>");
 }
 
-// A service connected to an engine with a script.
+// A service connected to a scripted engine.
 struct Connection {
     explicit Connection(std::vector<std::string> frames) : engine(std::move(frames)) {
         EXPECT_EQ(service.connect(engine.path()).format(), "Success");
@@ -58,12 +58,12 @@ std::string answered(const std::string& call, const std::string& answer) {
     return result + " | " + values(timestamps);
 }
 
-// A line in the log, as it goes to the platform and to standard error.
+// One log line as written to the platform's log and to standard error.
 std::string line(const std::string& text) {
     return "platform 4/AZUBLIPSYNCAPI " + text + "\nI/AZUBLIPSYNCAPI " + text + '\n';
 }
 
-// A caller's locale may group digits. That must not show anywhere.
+// The caller's locale may group digits. The library must not.
 struct Grouping : std::numpunct<char> {
     char do_thousands_sep() const override { return '.'; }
     std::string do_grouping() const override { return "\3"; }
@@ -73,7 +73,7 @@ const std::locale before = std::locale::global(std::locale(std::locale::classic(
 
 } // namespace
 
-TEST(Service, RefusesEverythingWhenNotConnected) {
+TEST(Service, RefusesCallsBeforeItIsConnected) {
     Service service;
     unsigned long granularityMs = 1;
     unsigned long marginMs = 2;
@@ -90,7 +90,7 @@ TEST(Service, RefusesEverythingWhenNotConnected) {
     EXPECT_EQ(values(LipSyncNtpTimestamps()), "0 0 0 0");
 }
 
-TEST(Service, ConnectsOnceAndAgainAfterDisconnecting) {
+TEST(Service, ConnectsAgainOnlyAfterDisconnecting) {
     EngineDouble first({delayFrame("1000"), delayFrame("1000")});
     EngineDouble second({});
     Service service;
@@ -108,7 +108,7 @@ TEST(Service, ConnectsOnceAndAgainAfterDisconnecting) {
     EXPECT_EQ(marginMs, 40UL);
 }
 
-TEST(Service, AnswersLocallyWhatItKnows) {
+TEST(Service, AnswersWithoutTheEngineIfItCan) {
     Connection connection({});
     Service& service = connection.service;
     unsigned long granularityMs = 0;
@@ -176,7 +176,7 @@ TEST(Service, TurnsAnswersIntoResults) {
     EXPECT_GT(rows, 40);
 }
 
-TEST(Service, LogsOneLineACall) {
+TEST(Service, LogsOneLinePerCall) {
     EngineDouble engine(
         {delayFrame("1000"), timestampsFrame("18446744073709551615", "2000", "3", "4")});
     Service service;
@@ -218,7 +218,7 @@ TEST(ServiceDeathTest, ADeadEngineKillsACallerThatDoesNotIgnoreSigpipe) {
         LipSyncNtpTimestamps timestamps;
         connection.service.getAudioTimestamps(timestamps);
         const Service::Result second = connection.service.getAudioTimestamps(timestamps);
-        // It stays connected until its caller disconnects.
+        // The service stays connected until the caller disconnects.
         const bool isRight =
             second.format() == closedByDistant && connection.service.disconnect().isSuccess();
         connection.engine.received();
@@ -231,7 +231,7 @@ TEST(ServiceDeathTest, ADeadEngineKillsACallerThatDoesNotIgnoreSigpipe) {
 
 TEST(ServiceDeathTest, AConnectedServiceWithoutAClientAborts) {
     Service service;
-    // Only force can break this invariant: the state stands behind the pointer to the client.
+    // No call can break this invariant: overwrite the state, which follows the client pointer.
     const int connected = 1;
     std::memcpy(reinterpret_cast<char*>(&service) + sizeof(void*), &connected, sizeof(connected));
     unsigned long value = 0;

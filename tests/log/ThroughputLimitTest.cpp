@@ -19,7 +19,7 @@ void logRecord() {
     velta::utilities::StandardLog::Stream<velta::utilities::details::Level::Info>("TAG") << "text";
 }
 
-// Which of nine records waits.
+// Returns which of nine records wait.
 std::string delayed(ThroughputLimit limit) {
     std::string records;
     throughput_limit = limit;
@@ -44,7 +44,7 @@ TEST(ThroughputLimit, DelaysEveryNthRecord) {
     EXPECT_EQ(delayed({0, 3, 0}), "");
 }
 
-TEST(ThroughputLimit, CountsOnAndroidWhatReachesTheLogDaemon) {
+TEST(ThroughputLimit, OnAndroidCountsOnlyRecordsThatReachTheLogDaemon) {
     constexpr uid_t root = 0;
     constexpr uid_t logDaemon = 1036;
     constexpr uid_t app = 10123;
@@ -55,7 +55,7 @@ TEST(ThroughputLimit, CountsOnAndroidWhatReachesTheLogDaemon) {
 }
 
 TEST(ThroughputLimitDeathTest, ReadsTheEnvironmentWhenTheProcessStarts) {
-    // The child of this style starts the program again, and so reads the environment again.
+    // In this style the child starts the program again, so it reads the environment again.
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     setenv("LIBLOG_THROUGHPUT_LIMIT", "2/7", 1);
     EXPECT_EXIT(

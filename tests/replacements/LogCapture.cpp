@@ -12,7 +12,7 @@ std::string tests::logOf(const std::function<void()>& action) {
     return testing::internal::GetCapturedStderr();
 }
 
-// Takes the place of the platform's log writer.
+// Replaces the platform's log writer.
 extern "C" int __android_log_vprint(int priority, const char* tag, const char* format,
                                     va_list args) {
     char text[4096];

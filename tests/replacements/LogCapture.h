@@ -5,8 +5,8 @@
 
 namespace tests {
 
-/// What `action` writes to the log: standard error, with a line "platform PRIORITY/TAG TEXT" for
-/// each record that goes to the platform's log.
+/// Returns what `action` writes to standard error. Each record for the platform's log appears there
+/// as a line "platform PRIORITY/TAG TEXT".
 std::string logOf(const std::function<void()>& action);
 
 } // namespace tests

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <new>
 
-// Only there under a sanitizer. NOLINTNEXTLINE(bugprone-reserved-identifier)
+// Null without a sanitizer. NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" [[gnu::weak]] void __lsan_ignore_object(void* block);
 
 namespace tests {
@@ -23,7 +23,7 @@ void* operator new(std::size_t size) {
     }
     void* const block = std::malloc(size);
     ++memory.allocations;
-    // Whether a block is lost after a failure is for the test to say, and not for the leak checker.
+    // The test checks for leaks after a failure, so the leak checker must not.
     if (isWatched && __lsan_ignore_object != nullptr) {
         __lsan_ignore_object(block);
     }

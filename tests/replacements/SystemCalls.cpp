@@ -1,4 +1,4 @@
-// With it some of the functions that are replaced here are inline.
+// _FORTIFY_SOURCE makes some of the replaced functions inline.
 #undef _FORTIFY_SOURCE
 
 #include "tests/replacements/SystemCalls.h"
@@ -17,7 +17,7 @@ std::vector<useconds_t> pauses;
 
 namespace {
 
-// If the call must fail, sets errno.
+// Returns whether the call must fail, and sets errno if so.
 bool mustFail(Call call) {
     if (call != systemCalls.failing || systemCalls.failuresToCome == 0) {
         return false;
@@ -40,13 +40,13 @@ bool isSocket(int fd) {
     return result;
 }
 
-// What one transfer may move.
+// How many bytes one transfer may move.
 std::size_t limited(int fd, std::size_t size) {
     return isSocket(fd) ? std::min(size, systemCalls.largestTransfer) : size;
 }
 
-// The function that a replacement hides. Under a sanitizer that is the sanitizer's own, whose
-// checks are kept.
+// The original of a replaced function. Under a sanitizer this is the sanitizer's version, so its
+// checks still run.
 template <typename Function>
 Function* hidden(const char* name, Function*) {
     const int before = errno;

@@ -20,7 +20,7 @@ EngineDouble::~EngineDouble() {
 
 std::string EngineDouble::received() {
     if (_thread.joinable()) {
-        // Frees a thread whose client never came.
+        // Wakes the thread if it still waits for a client.
         _listener.stop();
         _thread.join();
     }
@@ -37,7 +37,7 @@ void EngineDouble::serve() {
     } while (_script == ForEver && fd >= 0);
 }
 
-// One request. A client waits for the answer before it sends the next one.
+// Reads one request. The client waits for the answer before it sends the next one.
 bool EngineDouble::receive(int fd) {
     ssize_t n = 0;
     _request.clear();

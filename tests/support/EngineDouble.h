@@ -9,13 +9,12 @@
 
 namespace tests {
 
-/// An engine that plays a script, on a thread of its own: it answers every request with the next
-/// frame of the script.
+/// A scripted engine on its own thread: it answers each request with the next frame of the script.
 class EngineDouble {
 public:
     enum Script {
-        Once,    ///< For one client, whose connection is closed when it asks for more.
-        ForEver, ///< For one client after the other, and from the start again at its end.
+        Once,    ///< Serves one client, and hangs up on requests after the last frame.
+        ForEver, ///< Serves one client after the other, and repeats the script.
     };
 
     explicit EngineDouble(std::vector<std::string> frames, Script script = Once);
@@ -26,8 +25,7 @@ public:
 
     std::string path() const { return _directory.path() + "/engine"; }
 
-    /// The bytes that the client of a script that is played once has sent. Waits until the client
-    /// has gone.
+    /// Waits for the end of the connection and returns all that the client sent. For `Once` only.
     std::string received();
 
 private:

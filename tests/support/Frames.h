@@ -4,7 +4,7 @@
 
 namespace tests {
 
-/// What travels on the socket: a document with this content in its root, and the end marker.
+/// A message as sent on the socket: a document with this content in its root, and the end marker.
 std::string frame(const std::string& content);
 
 /// The engine's answers, as it prints them.

@@ -4,7 +4,7 @@
 
 namespace tests {
 
-/// A listening Unix-domain socket. When it goes, its file stays: a socket that nobody serves.
+/// A listening Unix-domain socket. The destructor closes it, but leaves its file as a stale socket.
 class Listener {
 public:
     explicit Listener(const std::string& path);
@@ -13,10 +13,11 @@ public:
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
-    /// The next client's descriptor, which the caller closes; negative after `stop`. Blocks.
+    /// Blocks until a client connects. Returns its descriptor, which the caller closes, or a
+    /// negative number after `stop`.
     int accept() const;
 
-    /// Ends a blocked `accept`, and all later ones.
+    /// Makes a blocked `accept` and all later ones fail.
     void stop() const;
 
 private:

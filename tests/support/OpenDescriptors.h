@@ -5,7 +5,7 @@
 
 namespace tests {
 
-/// How many descriptors this process has open, one for looking included.
+/// The number of open descriptors, including the one that this function needs to count them.
 inline auto openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }

@@ -7,11 +7,11 @@
 
 namespace tests {
 
-/// A program that runs beside the test, and is killed at the latest when this object goes.
+/// A program that runs beside the test. The destructor kills it unless `wait` was called.
 class Process {
 public:
-    /// Where its standard output goes: to the test, to a terminal whose other end the test has, or
-    /// to a disk that is full.
+    /// Where its standard output goes: to the test, to a terminal that the test reads, or to a full
+    /// disk.
     enum Output { ToTest, ToTerminal, ToFullDisk };
 
     /// The first argument is the path of the program.
@@ -21,23 +21,23 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    /// False if no terminal could be opened for it.
+    /// False if the process could not be created, for example because no terminal is available.
     bool hasStarted() const { return _pid > 0; }
 
-    /// What the test gets of its standard output and standard error, up to and with `text`, or all
-    /// of it if it ends first.
+    /// Reads the output that goes to the test, standard error included, up to and including `text`
+    /// or to the end of the stream.
     std::string readUntil(const std::string& text) const;
 
-    /// The rest of it, up to the end of the program; it has no zero byte.
+    /// Reads to the end of the stream, provided that there is no zero byte before it.
     std::string readAll() const { return readUntil(std::string(1, '\0')); }
 
-    /// Types into its standard input.
+    /// Writes to its standard input.
     void write(const std::string& text) const { dprintf(_input, "%s", text.c_str()); }
 
-    /// Not after `wait`.
+    /// Must not be called after `wait`.
     void signal(int number) const { kill(_pid, number); }
 
-    /// Waits for the end. The exit status, or minus the signal that killed it.
+    /// Waits until it ends. Returns its exit status, or minus the signal that killed it.
     int wait();
 
 private:

@@ -5,12 +5,12 @@
 
 namespace tests {
 
-/// While it lives, standard error goes nowhere, and the library's log lines with it.
+/// Discards standard error, and so the library's log, while the object exists.
 class Silence {
 public:
     Silence() {
         close(STDERR_FILENO);
-        // Takes the number that has become free.
+        // Gets the descriptor number that was just closed.
         open("/dev/null", O_WRONLY);
     }
 

@@ -7,7 +7,7 @@
 
 namespace tests {
 
-/// Two connected sockets: the object under test takes over the near one, the far one is its peer.
+/// Two connected sockets: the object under test owns the near one, the far one is its peer.
 class SocketPair {
 public:
     explicit SocketPair(int type = SOCK_STREAM) { socketpair(AF_UNIX, type, 0, _fds); }
@@ -24,7 +24,7 @@ public:
         ::send(_fds[1], bytes.data(), bytes.size(), MSG_NOSIGNAL);
     }
 
-    /// What has arrived, or nothing. Does not wait.
+    /// Returns the bytes that have arrived, if any. Does not block.
     std::string receive() const {
         std::string bytes(4096, '\0');
         const ssize_t n = recv(_fds[1], bytes.data(), bytes.size(), MSG_DONTWAIT);

@@ -4,7 +4,7 @@
 
 namespace tests {
 
-/// A directory for one test, below `TMPDIR` or "/tmp". It is removed with all that is in it.
+/// A directory for one test, in `TMPDIR` or "/tmp". The destructor removes it with its contents.
 class TemporaryDirectory {
 public:
     TemporaryDirectory();

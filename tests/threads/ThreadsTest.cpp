@@ -1,4 +1,4 @@
-// What threads may do at the same time. ThreadSanitizer watches.
+// Does what several threads may do at the same time, for ThreadSanitizer to check.
 
 #include <gtest/gtest.h>
 
@@ -26,7 +26,7 @@ std::mutex exchanges;
 void useService(const std::string& number) {
     tests::EngineDouble engine({tests::timestampsFrame(number, "2", "3", "4")},
                                tests::EngineDouble::ForEver);
-    // All set out together, and each domain makes its first success.
+    // Start all threads together, so that they race to create each domain's first success.
     --waiting;
     while (waiting > 0) {
         std::this_thread::yield();
@@ -44,7 +44,7 @@ void useService(const std::string& number) {
 
 } // namespace
 
-TEST(Threads, MayUseServicesOfTheirOwnIfOneLockKeepsExchangesApart) {
+TEST(Threads, MayEachUseAServiceIfOneLockProtectsExchanges) {
     const std::string log = tests::logOf([] {
         std::vector<std::thread> threads;
         threads.reserve(threadCount);
@@ -55,6 +55,6 @@ TEST(Threads, MayUseServicesOfTheirOwnIfOneLockKeepsExchangesApart) {
             thread.join();
         }
     });
-    // Whole lines, each at two outputs.
+    // Each call writes one line to each of two outputs.
     EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 2 * threadCount * (2 * rounds + 2));
 }

@@ -18,7 +18,7 @@ std::string repeated(const std::string& text, std::size_t times) {
     return all;
 }
 
-// Whether a document is read whose root has this content. It holds no answer in any case.
+// Whether a document whose root has this content is within the limits. It never has an answer.
 bool isRead(const std::string& content) {
     SetAudioDelay::Answer answer;
     const auto result =
@@ -40,11 +40,11 @@ std::string withAttributes(std::size_t count) {
 
 } // namespace
 
-TEST(DocumentLimits, LieBetweenTheLargestDocumentThatIsReadAndTheNextOne) {
+TEST(DocumentLimits, AcceptDocumentsUpToTheLimitAndRefuseLargerOnes) {
     EXPECT_TRUE(isRead(nested(answerLimits.nesting)));
     EXPECT_FALSE(isRead(nested(answerLimits.nesting + 1)));
     EXPECT_TRUE(isRead(withAttributes(answerLimits.attributes)));
     EXPECT_FALSE(isRead(withAttributes(answerLimits.attributes + 1)));
-    // Deep enough for any stack.
+    // Recursion this deep would overflow any stack.
     EXPECT_FALSE(isRead(nested(1'000'000)));
 }

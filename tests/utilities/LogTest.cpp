@@ -7,8 +7,8 @@
 using velta::utilities::StandardLog;
 using velta::utilities::details::Level;
 
-TEST(Log, WritesTheTextAsItIsToThePlatformThenToStandardError) {
-    // Longer than a line that is written at once.
+TEST(Log, WritesTextUnchangedToThePlatformThenToStandardError) {
+    // Too long for the buffer of the line that is written at once.
     const std::string longText(2000, 'x');
     const std::string log = tests::logOf([&] {
         { StandardLog::Stream<Level::Info>("TAG") << "100%s %n " << -7 << ' ' << 5UL; }

@@ -13,7 +13,7 @@ using velta::zub::lipsync::GetAudioTs;
 
 namespace {
 
-// The verdict, or "by tree". That both ways read the same is checked over the fuzzer's corpus.
+// The verdict, or "by tree". The fuzzer checks that both ways give the same answer.
 std::string readPlain(std::string text, const std::string& version = "0.1.0") {
     text.resize(text.size() - 2);
     GetAudioTs::Answer answer;

@@ -39,7 +39,7 @@ TEST(Result, FormatsCodeMessageCausesAndTrailer) {
     const char* const pointer = "pointer ";
     Link::Result copy = result << "array " << pointer << std::string("string ") << 'c' << -5
                                << 18446744073709551615UL;
-    // The first piece changes the result itself, the others a copy.
+    // The first piece changes the result itself, the others change a copy.
     EXPECT_EQ(result.format(), "I/O error (Code 10004): array ");
     EXPECT_EQ(copy.format(),
               "I/O error (Code 10004): array pointer string c-518446744073709551615");
@@ -51,7 +51,7 @@ TEST(Result, FormatsCodeMessageCausesAndTrailer) {
     EXPECT_EQ(result.format(), "I/O error (Code 10004): array  {" + causes + "}!");
 }
 
-TEST(Result, TextsAreThoseInTheDocumentation) {
+TEST(Result, TextsMatchTheDocumentation) {
     const std::map<std::string, std::function<std::string(int)>> domains{
         {"lipsyncapi::Service", format<Service::Result>},
         {"cmdfrmwrk::Command", format<zub::cmdfrmwrk::Command::Result>},
@@ -82,7 +82,7 @@ TEST(Result, TextsAreThoseInTheDocumentation) {
     }
 }
 
-TEST(Result, ConvertsASuccessWithoutItsTexts) {
+TEST(Result, ASuccessHasNoTextsEvenAfterConversion) {
     Link::Result success = Link::Result::success();
     success << "text" << Result<ErrnoTrait>(EPIPE);
     EXPECT_EQ(success.format(), "Success");
