@@ -7,8 +7,8 @@ install(TARGETS zublipsyncapi EXPORT zublipsyncapi
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime NAMELINK_COMPONENT development)
 
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/public-headers.txt)
-file(STRINGS cmake/public-headers.txt public_headers)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS interface/public-headers.txt)
+file(STRINGS interface/public-headers.txt public_headers)
 foreach(header IN LISTS public_headers)
     get_filename_component(folder ${header} DIRECTORY)
     install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zublipsyncapi/${folder}
