@@ -10,37 +10,38 @@ namespace velta::zub::comms {
 
 /// Connects to stream servers. Stateless; any thread.
 ///
-/// Both functions block for as long as the system's `connect` does: there is no time-out and no
-/// retry. Both set `link` to null first; only success stores a new link in it, which the caller
-/// then owns and deletes. A failure leaves no descriptor behind. Text arguments must not be null.
+/// Both functions block for as long as the system's `connect` does, without a timeout or a retry.
+/// On success `link` is a new link, which the caller owns and deletes. After a failure it is null,
+/// and no descriptor stays open. Text arguments must not be null.
 ///
-/// The process must keep its standard input open: a link refuses descriptor 0 and aborts.
+/// Standard input must stay open: a connection on descriptor 0 aborts the process.
 class ZUBLIPSYNCAPI_EXPORT Client {
 public:
-    /// How connecting can end.
+    /// What both functions return.
     enum class ResultCode : std::int32_t {
         Success = 20000,
         UnknownError = 20001,     ///< Not produced.
         ConnectionFailed = 20002, ///< Any failure; the cause says why.
     };
 
-    /// The domain of these codes.
+    /// Tells `Result` about these codes.
     struct ResultTrait {
-        using ResultCode = Client::ResultCode;                         ///< The codes.
-        static constexpr ResultCode successCode = ResultCode::Success; ///< The one success.
-        static const char* text(ResultCode code); ///< The fixed text of a code.
+        using ResultCode = Client::ResultCode; ///< The name that `Result` expects.
+        static constexpr ResultCode successCode = ResultCode::Success; ///< Makes `isSuccess` true.
+        /// A static string; "Invalid error (Unreachable)" for a number that is not listed above.
+        static const char* text(ResultCode code);
     };
 
-    /// A code, and the chain of causes behind it.
+    /// A code, a message and the causes; `format` gives them in one line.
     using Result = utilities::result::Result<ResultTrait>;
 
-    /// Connects to the Unix-domain socket with the path `name`, of which only the first 108 bytes
-    /// count. Returns `Success` or `ConnectionFailed`.
+    /// Connects to the Unix-domain socket at the path `name`. Only the first 108 bytes of the path
+    /// are used. Returns `Success` or `ConnectionFailed`.
     static Result connectUnixServer(const char* name, Link*& link);
 
-    /// Connects to a TCP port, taken modulo 65536, of a numeric IPv4 address. Host names are not
-    /// resolved: a text that is no address is taken for 0.0.0.0, this machine. Returns `Success`
-    /// or `ConnectionFailed`.
+    /// Connects to a TCP port (modulo 65536) at a numeric IPv4 address. Host names are not
+    /// resolved: any other text means 0.0.0.0, this machine. Returns `Success` or
+    /// `ConnectionFailed`.
     static Result connectTcpServer(const char* host, int port, Link*& link);
 };
 

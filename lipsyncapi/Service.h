@@ -15,116 +15,119 @@ namespace velta::zub::lipsyncapi {
 
 /// A connection to the audio engine, for keeping pictures in step with a call's audio.
 ///
-/// One thread at a time for one object. Calls that exchange a message with the engine
-/// (`setAudioDelayMargin`, `getAudioTimestamps`) must not run at the same time even on two
-/// objects: they receive through one buffer. A caller with several threads puts one lock around
-/// all of them.
+/// One thread at a time for each object. `setAudioDelayMargin` and `getAudioTimestamps` must not
+/// run at the same time even on two objects, because all objects receive through one buffer. With
+/// several threads, put one lock around all of these calls.
 ///
-/// Calls block: there is no time-out anywhere, and an engine that stays silent blocks its caller
-/// until it answers or goes away. Nothing is retried.
+/// These two functions exchange a request and its answer with the engine. There is no timeout and
+/// no retry: a silent engine blocks the caller until it answers or closes the connection.
 ///
-/// Nothing is thrown but `std::bad_alloc`. After that the object is as usable as after
-/// `TransportError`, and as then the connection has to be replaced: the answer to the call may
-/// still be on its way. What the XML parser held when memory ran out is not freed.
+/// After a failed exchange the object is still connected. After `TransportError`, disconnect and
+/// connect again.
 ///
-/// The process should ignore `SIGPIPE`: otherwise it dies by it when it writes to an engine that
-/// has gone. It must keep its standard input open: descriptor 0 is refused as a socket, and the
-/// process is aborted.
+/// The only exception thrown is `std::bad_alloc`. Afterwards disconnect and connect again, as after
+/// `TransportError`: the answer may still arrive. The XML parser leaks what it held at the time.
 ///
-/// After a failed exchange the object is still connected. A caller who reads `TransportError`
-/// disconnects and connects again.
+/// The process should ignore `SIGPIPE`: otherwise writing to an engine that has gone kills it.
+/// Standard input must stay open: a connection on descriptor 0 aborts the process.
 class ZUBLIPSYNCAPI_EXPORT Service {
 public:
-    /// How the calls of this class can end.
+    /// What the functions of this class return.
     enum class ResultCode : std::int32_t {
         Success = 1000,
         UnknownError = 1001,   ///< Not produced.
-        InvalidParam = 1002,   ///< The margin is too large or no multiple of the granularity.
-        BadState = 1003,       ///< Not connected, or for `connect` connected already.
-        CannotConnect = 1004,  ///< No connection to the engine; the cause says why.
+        InvalidParam = 1002,   ///< The margin is above 100 ms or not a multiple of 20 ms.
+        BadState = 1003,       ///< Not connected; from `connect`: already connected.
+        CannotConnect = 1004,  ///< Connecting failed; the cause says why.
         TransportError = 1005, ///< The exchange failed; the cause says where. Reconnect.
         ServerError = 1006,    ///< The engine answered with an error; the cause is its answer.
         NotInCall = 1007,      ///< The engine is not in a call; the cause is its answer.
     };
 
-    /// The domain of these codes.
+    /// Tells `Result` about these codes.
     struct ResultTrait {
-        using ResultCode = Service::ResultCode;                        ///< The codes.
-        static constexpr ResultCode successCode = ResultCode::Success; ///< The one success.
-        static const char* text(ResultCode code); ///< The fixed text of a code.
+        using ResultCode = Service::ResultCode; ///< The name that `Result` expects.
+        static constexpr ResultCode successCode = ResultCode::Success; ///< Makes `isSuccess` true.
+        /// A static string; "Invalid error (Unreachable)" for a number that is not listed above.
+        static const char* text(ResultCode code);
     };
 
-    /// A code, and the chain of causes behind it.
+    /// A code, a message and the causes; `format` gives them in one line.
     using Result = utilities::result::Result<ResultTrait>;
 
-    /// Path of the engine's lip-sync socket.
+    /// The path that `connect` uses by default: "/dev/socket/azub_lipsync".
     static const std::string defaultLipsyncSocketName;
 
-    /// Largest audio delay margin; ms.
+    /// The largest audio delay margin, in ms.
     static const std::uint32_t capabilityMaxAudioDelayMargin = 100;
 
-    /// An audio delay margin is a whole multiple of this; ms.
+    /// Every audio delay margin is a multiple of this, in ms.
     static const std::uint32_t capabilityGranularityMs = 20;
 
-    /// A service that is not connected.
+    /// Creates an object that is not connected.
     Service();
 
-    /// Disconnects; writes the same log line as `disconnect`.
+    /// Calls `disconnect`, so it writes one log line even if not connected.
     ~Service();
 
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;
 
-    /// Connects to the Unix-domain stream socket with this path, of which only the first 108
-    /// bytes count. Sends nothing. Blocks for as long as the system's `connect` does. Writes one
-    /// log line.
+    /// Connects to the Unix-domain stream socket at this path. Only the first 108 bytes of the
+    /// path are used. Sends nothing to the engine. Writes one log line. Blocks for as long as the
+    /// system's `connect` does.
     ///
     /// Returns
     /// - `Success`;
-    /// - `BadState`: connected already; that connection keeps working;
-    /// - `CannotConnect`: no engine listens there, or the system refused; the service stays
+    /// - `BadState`: already connected; the existing connection stays usable;
+    /// - `CannotConnect`: no engine listens there, or the system refused; the object stays
     ///   unconnected.
     Result connect(const std::string& socketName = defaultLipsyncSocketName);
 
-    /// Closes the connection. Does not block. Writes one log line.
+    /// Closes the connection. Writes one log line. Does not block.
     ///
     /// Returns
     /// - `Success`;
     /// - `BadState`: not connected.
     Result disconnect();
 
-    /// What margins the engine takes: multiples of `granularityMs` up to `maxAudioDelayMarginMs`,
-    /// both in ms. The values are fixed: the engine is not asked. Does not block.
+    /// Gets the margins that the engine accepts: multiples of `granularityMs` from 0 to
+    /// `maxAudioDelayMarginMs`. Both values are constants; the engine is not asked. Does not block.
     ///
     /// Returns
     /// - `Success`;
-    /// - `BadState`: not connected; the arguments are untouched.
+    /// - `BadState`: not connected; both arguments are unchanged.
+    ///
+    /// Both values are in ms.
     Result getCapabilities(unsigned long& granularityMs,
                            unsigned long& maxAudioDelayMarginMs) const;
 
-    /// The last margin, in ms, that the engine accepted through this object, 0 before the first;
-    /// it survives a reconnection. The engine is not asked: another client, or a restart of the
-    /// engine, may have changed its margin. Does not block.
+    /// Gets the last margin that the engine accepted from this object, or 0 if there is none yet.
+    /// Reconnecting keeps the value. The engine is not asked, so the value is out of date if
+    /// another client or a restart of the engine has changed the margin. Does not block.
     ///
     /// Returns
     /// - `Success`;
-    /// - `BadState`: not connected; `marginMs` is untouched.
+    /// - `BadState`: not connected; `marginMs` is unchanged.
+    ///
+    /// `marginMs` is in ms.
     Result getAudioDelayMargin(unsigned long& marginMs) const;
 
-    /// Asks the engine to delay the audio by `delayMs`, in ms. Blocks until the engine answers.
-    /// Writes one log line.
+    /// Asks the engine to delay the audio by `delayMs`. Writes one log line. Blocks until the
+    /// engine answers or closes the connection.
     ///
     /// Returns
     /// - `Success`;
     /// - `BadState`: not connected;
-    /// - `InvalidParam`: over 100 ms, or no multiple of 20 ms; nothing was sent;
-    /// - `TransportError`: no readable answer; whether the engine took the margin is unknown;
+    /// - `InvalidParam`: above 100 ms or not a multiple of 20 ms; nothing was sent;
+    /// - `TransportError`: no readable answer; the engine may or may not have set the margin;
     /// - `NotInCall`, `ServerError`: the engine refused.
     ///
-    /// After any failure `getAudioDelayMargin` still gives the previous value.
+    /// After a failure `getAudioDelayMargin` still gives the previous value. `delayMs` is in ms.
     Result setAudioDelayMargin(unsigned long delayMs);
 
-    /// Reads the engine's timestamps. Blocks until the engine answers. Writes one log line.
+    /// Gets the engine's timestamps. Writes one log line. Blocks until the engine answers or closes
+    /// the connection.
     ///
     /// Returns
     /// - `Success`: all four values of `timestamps` are set;
@@ -132,11 +135,10 @@ public:
     /// - `TransportError`: no readable answer;
     /// - `NotInCall`, `ServerError`: the engine refused.
     ///
-    /// After any failure `timestamps` is untouched.
+    /// After a failure `timestamps` is unchanged.
     Result getAudioTimestamps(common::LipSyncNtpTimestamps& timestamps) const;
 
-    /// Hands over the timestamps of the pictures. They are neither checked, stored nor sent. Does
-    /// not block.
+    /// Accepts the pictures' timestamps but does not check, store or send them. Does not block.
     ///
     /// Returns
     /// - `Success`;

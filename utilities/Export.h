@@ -1,8 +1,8 @@
 #pragma once
 
-/// Marks what callers of the shared library may use. Everything else is compiled with hidden
-/// visibility and kept out of the library's symbol table by its version script.
+/// Exports a class from the shared library. All other symbols have hidden visibility, and the
+/// library's version script keeps them out of its symbol table.
 #define ZUBLIPSYNCAPI_EXPORT __attribute__((visibility("default")))
 
-/// Takes a member of an exported class out of the symbol table again.
+/// Hides a member of an exported class.
 #define ZUBLIPSYNCAPI_LOCAL __attribute__((visibility("hidden")))

@@ -10,8 +10,8 @@ namespace velta::utilities::result {
 template <typename Trait>
 class Result;
 
-/// How `Result::operator<<` appends a value of one type. Specialise it to make a type printable
-/// in results; an unknown type does not compile.
+/// How `Result::operator<<` appends a value of one type. Specialise it to support another type; a
+/// type without a specialisation does not compile.
 template <typename Value>
 struct Append;
 
@@ -63,10 +63,10 @@ struct Append<unsigned long> {
     }
 };
 
-/// A result of any domain becomes a cause.
+/// Adds a result of any domain as a cause.
 template <typename CauseTrait>
 struct Append<Result<CauseTrait>> {
-    /// Appends the formatted text of `cause`, which is "Success" for a success.
+    /// Appends `cause.format()`, even if that is "Success".
     template <typename Trait>
     static void run(Result<Trait>& target, const Result<CauseTrait>& cause) {
         if (!target.causes.empty()) {

@@ -6,16 +6,16 @@
 
 namespace velta::utilities::result {
 
-/// The decimal digits of an integer, for messages and log lines. A stream would follow the caller's
-/// global locale, which may group digits; this does not. Takes no memory.
+/// The decimal digits of an integer, for messages and log lines. Unlike a stream, it ignores the
+/// global locale, which may group digits. Does not allocate.
 class Decimal {
 public:
-    /// Any integer of up to 64 bits.
+    /// Takes any integer of up to 64 bits.
     template <typename Integer>
     explicit Decimal(Integer value)
         : _end(std::to_chars(_digits, _digits + sizeof(_digits), value).ptr) {}
 
-    /// The digits, with a minus sign before them if there is one. They live as long as this object.
+    /// The digits, after a minus sign if the value is negative. Valid as long as this object.
     operator std::string_view() const {
         return {_digits, static_cast<std::size_t>(_end - _digits)};
     }

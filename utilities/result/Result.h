@@ -7,28 +7,28 @@
 
 namespace velta::utilities::result {
 
-/// What a trait answers for a code that is not in its table.
+/// The text that a trait returns for a code that is not in its table.
 inline constexpr const char* unreachableText = "Invalid error (Unreachable)";
 
-/// The outcome of one operation of one error domain: a code, the text of whoever produced it, and
-/// the formatted text of the lower-level results that caused it.
+/// The outcome of an operation: a code, a message from the function that produced it, and the
+/// formatted text of the lower-level results that caused it.
 ///
-/// A plain value: copyable, assignable, shared with nobody; one thread at a time. `Trait` stands
-/// for the domain and supplies `ResultCode` (the codes), `successCode` (the one code that means
-/// success) and `text(ResultCode)` (the fixed text of a code).
+/// A value type; one thread at a time for each object. `Trait` describes the domain, that is, one
+/// set of codes: `ResultCode` is their type, `successCode` the only code that means success, and
+/// `text(ResultCode)` returns the fixed text of a code.
 ///
-/// Nothing here fails but for want of memory, which the allocator reports as `std::bad_alloc`.
+/// The only exception thrown is `std::bad_alloc`.
 template <typename Trait>
 class Result {
 public:
-    /// The codes of the domain.
+    /// The type of the domain's codes.
     using ResultCode = typename Trait::ResultCode;
 
-    /// A result with this code and no texts. Implicit, so that an operation can return a code.
+    /// A result with this code and no texts. Implicit, so that a function can return just a code.
     Result(ResultCode resultCode) : code(resultCode) {}
 
-    /// Translates a result of another domain into this one: `codeOnSuccess` without texts if
-    /// `source` is a success, else `codeOnFailure` with the formatted text of `source` as cause.
+    /// Translates a result of another domain. A success becomes `codeOnSuccess` without texts; a
+    /// failure becomes `codeOnFailure` with `source.format()` as its cause.
     template <typename SourceTrait>
     Result(const Result<SourceTrait>& source, ResultCode codeOnFailure, ResultCode codeOnSuccess)
         : code(source.isSuccess() ? codeOnSuccess : codeOnFailure) {
@@ -37,28 +37,27 @@ public:
         }
     }
 
-    /// The domain's success, created on first use (safe from any thread) and kept until exit.
+    /// A success without texts, valid until the process exits. Any thread.
     static const Result& success() {
         static const Result value(Trait::successCode);
         return value;
     }
 
-    /// Whether the code is the domain's success.
+    /// Whether the code is `successCode`.
     bool isSuccess() const { return code == Trait::successCode; }
 
-    /// The opposite.
+    /// Whether the code is not `successCode`.
     bool isFailure() const { return !isSuccess(); }
 
     /// Appends text, a character or a number to `message`, or another result to `causes`. Changes
-    /// this result and returns a copy of it, so that a failure can be built in the expression
-    /// that returns it.
+    /// this result and returns a copy, so that a function can build a failure in its `return`.
     template <typename Value>
     Result operator<<(const Value& value) {
         Append<Value>::run(*this, value);
         return *this;
     }
 
-    /// `message`, then `causes` in braces if there are any.
+    /// Returns `message`, followed by `causes` in braces if there are any.
     std::string getMainMessage() const {
         std::string text = message;
         if (!causes.empty()) {
@@ -69,8 +68,8 @@ public:
         return text;
     }
 
-    /// The whole result in one line: "Success", or the text of the code, its number, the main
-    /// message and the trailer.
+    /// Returns "Success", or the text of the code, its number, the main message and the trailer, in
+    /// this order.
     std::string format() const {
         if (isSuccess()) {
             return "Success";
@@ -88,9 +87,9 @@ public:
         return text;
     }
 
-    ResultCode code;     ///< What happened; compare it with the domain's codes.
-    std::string message; ///< Text of the producer.
-    std::string trailer; ///< Printed last, as it is.
+    ResultCode code;     ///< One of the domain's codes, or a number outside its table.
+    std::string message; ///< Details from the function that produced the result.
+    std::string trailer; ///< Printed last, unchanged.
     std::string causes;  ///< Formatted causes, joined by " && ".
 };
 
