@@ -7,20 +7,20 @@
 
 namespace velta::zub::cmdfrmwrk {
 
-/// Runs typed commands on a connection. Keeps nothing from one command to the next. One thread at
-/// a time, and no receive of another client at the same time (see `comms::TextProtocol`).
+/// Runs typed commands on a connection. Keeps no state between commands. One thread at a time, and
+/// two clients must not receive at the same time (see `comms::TextProtocol`).
 class Client : public Peer {
 public:
-    /// Takes over `link`; null aborts the process.
+    /// Takes ownership of `link`. Aborts the process if it is null.
     explicit Client(comms::Link* link);
     ~Client() override;
 
-    /// One exchange: writes the request, sends it, waits without a time-out for the answer and
-    /// reads that. `answer.result`, the engine's own verdict, is not looked at.
+    /// Runs one exchange: sends the request, receives the answer and reads it into `answer`. Blocks
+    /// without a timeout. Does not check `answer.result`, the engine's verdict.
     ///
-    /// Returns `Success` when an answer was read, `SerializerError`, `ProtocolError`,
-    /// `ConnectionClosed` or `ConnectionClosedByDistant`. After a failure `answer` may be filled
-    /// in part, and the connection stays as it is.
+    /// Returns `Success` if the answer could be read, otherwise `SerializerError`, `ProtocolError`,
+    /// `ConnectionClosed` or `ConnectionClosedByDistant`. After a failure `answer` may be partly
+    /// filled. A failure does not close the connection.
     template <typename CommandType, typename Serializer>
     Result executeCommand(const typename CommandType::Request& request,
                           typename CommandType::Answer& answer) {

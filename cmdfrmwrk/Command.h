@@ -6,11 +6,11 @@
 
 namespace velta::zub::cmdfrmwrk {
 
-/// What all commands have in common: the codes that the engine answers with, and the base of
-/// every answer. A command is a class with two nested types, `Request` and `Answer`.
+/// What all commands share: the codes of the engine's verdict, and the base of every answer. A
+/// command is a class with two nested types, `Request` and `Answer`.
 class Command {
 public:
-    /// The engine may answer any other number as well; it is kept as it is.
+    /// The engine may send other numbers too; they are kept unchanged.
     enum class ResultCode : std::int32_t {
         Success = 1000,
         UnknownError = 1001,
@@ -29,7 +29,7 @@ public:
     struct Answer {
         virtual ~Answer() = default;
 
-        /// The engine's verdict; a failure as long as no answer has been read.
+        /// The engine's verdict; a failure until an answer is read.
         Result result = ResultCode::UnknownError;
     };
 };

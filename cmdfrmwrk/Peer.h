@@ -7,13 +7,13 @@
 
 namespace velta::zub::cmdfrmwrk {
 
-/// One end of a connection that commands travel on. Owns the protocol, and through it the link.
+/// One end of a connection for commands. Owns the protocol, which owns the link.
 class Peer {
 public:
     enum class ResultCode : std::int32_t {
         Success = 5900,
         UnknownError = 5901,              ///< Not produced.
-        ProtocolError = 5902,             ///< The message could not be sent or received.
+        ProtocolError = 5902,             ///< A message could not be sent or received.
         SerializerError = 5903,           ///< A document could not be written or read.
         ConnectionClosed = 5904,          ///< The connection was closed on this side.
         ConnectionClosedByDistant = 5905, ///< The engine has closed the connection.
@@ -27,7 +27,7 @@ public:
 
     using Result = utilities::result::Result<ResultTrait>;
 
-    /// Takes over `link`; null aborts the process.
+    /// Takes ownership of `link`. Aborts the process if it is null.
     explicit Peer(comms::Link* link);
     virtual ~Peer();
 

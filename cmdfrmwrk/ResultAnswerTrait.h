@@ -5,7 +5,7 @@
 
 namespace velta::zub::cmdfrmwrk {
 
-/// An answer that carries a verdict and nothing else, in an element named by a character array.
+/// An answer that holds only a verdict. `elementName` points to the name of its element.
 template <const auto* elementName>
 struct ResultAnswerTrait {
     static constexpr const char* tag = *elementName;

@@ -13,7 +13,7 @@ namespace velta::zub::cmdfrmwrk {
 template <typename ResultType>
 struct ResultTrait;
 
-/// How the engine's verdict stands in an answer.
+/// The engine's verdict as an XML element.
 template <>
 struct ResultTrait<Command::Result> {
     using Type = Command::Result;

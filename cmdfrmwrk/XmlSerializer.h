@@ -6,7 +6,7 @@
 
 namespace velta::zub::cmdfrmwrk {
 
-/// The serializer of the engine's protocol: root element "AZUB", version "0.1.0".
+/// The serializer for the engine's protocol: root element "AZUB", version "0.1.0".
 template <typename Traits>
 class XmlSerializer : public utilities::xmlserializer::XmlSerializer<Traits> {
 public:

@@ -8,7 +8,7 @@
 
 namespace velta::zub::comms {
 
-/// A channel of whole messages over a link, which it owns and deletes. One thread at a time.
+/// Sends and receives whole messages over a link, which it owns. One thread at a time.
 template <typename Message>
 class Protocol {
 public:
@@ -18,7 +18,7 @@ public:
         ProtocolError = 40002,           ///< Not produced.
         LinkError = 40003,               ///< The link failed; its result is the cause.
         ProtocolClosed = 40004,          ///< The link was closed on this side.
-        ProtocolClosedByDistant = 40005, ///< The peer has closed the link.
+        ProtocolClosedByDistant = 40005, ///< The peer has closed the connection.
         InternalError = 40006,           ///< Not produced.
     };
 
@@ -42,7 +42,7 @@ public:
 
     using Result = utilities::result::Result<ResultTrait>;
 
-    /// Takes over `link`; null aborts the process.
+    /// Takes ownership of `link`. Aborts the process if it is null.
     explicit Protocol(Link* link) : _link(link) {
         VELTA_ASSERT("comms/src/TextProtocol.cpp", 97, link != NULL, "Null pointer");
     }
@@ -52,12 +52,12 @@ public:
     Protocol(const Protocol&) = delete;
     Protocol& operator=(const Protocol&) = delete;
 
-    /// Sends one message, blocking without a time-out until the socket has taken all of it.
-    /// Returns `Success`, `LinkError`, `ProtocolClosed` or `ProtocolClosedByDistant`.
+    /// Sends one message. Blocks without a timeout until the socket has taken all of it. Returns
+    /// `Success`, `LinkError`, `ProtocolClosed` or `ProtocolClosedByDistant`.
     virtual Result send(const Message& message) = 0;
 
-    /// Waits without a time-out for one whole message. Success stores it in `message`, and the
-    /// caller deletes it; after a failure `message` is null. Returns as `send` does.
+    /// Receives one whole message. Blocks without a timeout until it is there. Returns the same
+    /// codes as `send`. On success the caller owns `message`; after a failure it is null.
     virtual Result receive(Message*& message) = 0;
 
 protected:

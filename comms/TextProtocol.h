@@ -6,13 +6,13 @@
 
 namespace velta::zub::comms {
 
-/// Text messages, each closed by `endMessageMarker`.
+/// Text messages, each followed by the end marker.
 ///
-/// All objects receive through one static buffer: receives must not run at the same time, not
-/// even on two objects. The bytes of an unfinished message are kept without a bound.
+/// All objects receive through one static buffer, so `receive` must not run on two threads at the
+/// same time, even on two objects. The size of an unfinished message is not limited.
 class TextProtocol : public Protocol<std::string> {
 public:
-    /// "\n\n". A message must not contain it: the receiver would split the message there.
+    /// "\n\n", an empty line. A message must not contain it: the receiver would split it there.
     static const std::string endMessageMarker;
 
     explicit TextProtocol(Link* link);

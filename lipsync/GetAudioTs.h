@@ -5,7 +5,7 @@
 
 namespace velta::zub::lipsync {
 
-/// Reads the engine's audio timestamps.
+/// Gets the engine's timestamps.
 struct GetAudioTs {
     struct Request {};
 

@@ -8,7 +8,7 @@
 
 namespace velta::zub::lipsync {
 
-/// How the timestamps stand in an answer.
+/// The timestamps as an XML element.
 struct LipSyncNtpTimestampsTrait {
     using Type = common::LipSyncNtpTimestamps;
 

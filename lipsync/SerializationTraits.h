@@ -37,7 +37,7 @@ struct SerializationTraitGetAudioTsAnswer {
         utilities::TypeList<cmdfrmwrk::ResultChild::Type>>;
 };
 
-/// Only ever written, so its child has no setter.
+/// Requests are only written, so the child has no setter.
 struct SerializationTraitSetAudioDelayRequest {
     using Type = SetAudioDelay::Request;
     static constexpr const char* tag = "SetAudioDelay_Request";
@@ -56,7 +56,6 @@ struct SerializationTraitSetAudioDelayAnswer
     using Type = SetAudioDelay::Answer;
 };
 
-/// The serializer of the lip-sync commands.
 using Serializer = cmdfrmwrk::XmlSerializer<utilities::TypeList<
     SerializationTraitGetAudioTsRequest,
     utilities::TypeList<

@@ -9,8 +9,8 @@
 
 namespace velta::zub::log {
 
-/// The one log line of one API call: feed it the parameters and the result, then name the event,
-/// which writes the line. Lives on the stack of that call.
+/// Builds the log line of one API call: add the parameters and the result, then call `event`, which
+/// writes the line. Keep it on the stack of that call.
 template <typename Logger>
 class ApiLog {
 public:
@@ -24,7 +24,6 @@ public:
         return addParam(name, value, _outputParams);
     }
 
-    /// A result of any domain.
     template <typename R>
     ApiLog& setResult(const R& result) {
         _result = result.format();
@@ -50,7 +49,6 @@ private:
         return addParam(name, utilities::result::Decimal(value), params);
     }
 
-    // A value of several lines is put in braces.
     ApiLog& addParam(std::string_view name, std::string_view value, std::string& params) {
         if (params.empty()) {
             params.reserve(usualLength);
@@ -64,7 +62,7 @@ private:
         return *this;
     }
 
-    // Of the parameters of the longest call.
+    // Enough for the longest usual list of parameters, so that the string need not grow.
     static constexpr std::size_t usualLength = 192;
 
     std::string _inputParams;

@@ -4,7 +4,7 @@
 
 namespace velta::zub::lipsyncapi {
 
-/// What the log lines of API calls are written with.
+/// The log and the tag for the log lines of API calls.
 struct Logger {
     using Log = utilities::StandardLog;
     static constexpr const char* tag = "AZUBLIPSYNCAPI";

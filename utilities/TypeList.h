@@ -4,20 +4,20 @@ namespace velta::utilities {
 
 namespace detail {
 
-/// Ends every type list.
+/// The end of every type list.
 struct TypeNull {};
 
 } // namespace detail
 
-/// A compile-time list of types: a head and the list of the others.
+/// A compile-time list of types: the first type, and the list of the rest.
 template <typename HeadType, typename TailList = detail::TypeNull>
 struct TypeList {
     using Head = HeadType;
     using Tail = TailList;
 };
 
-/// Calls `visit` with an object of each type in the list, in order, until it returns false.
-/// Returns whether it returned true for all of them.
+/// Calls `visit` with an object of each type in the list, in order, until a call returns false.
+/// Returns whether all calls returned true.
 template <typename Visit>
 bool visitAll(detail::TypeNull, const Visit&) {
     return true;

@@ -19,8 +19,7 @@ utilities::result::Result<utilities::result::ErrnoTrait> lastError() {
     return errno;
 }
 
-// The address of a path: a shorter path is padded with zeros, one that fills the field or is
-// longer goes without a terminator.
+// Copies a path into an address. It has no terminator if it fills the field; a longer one is cut.
 sockaddr_un unixAddress(const char* path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -28,8 +27,8 @@ sockaddr_un unixAddress(const char* path) {
     return address;
 }
 
-// Connects and hands the descriptor over to a new link. After a failure the descriptor is closed
-// and errno is what callers report.
+// Connects and passes the descriptor to a new link. After a failure the descriptor is closed and
+// errno holds the cause.
 template <typename Address>
 bool connectLink(Descriptor& descriptor, const Address& address, Link*& link) {
     if (::connect(descriptor.get(), reinterpret_cast<const sockaddr*>(&address), sizeof(address)) <
@@ -71,7 +70,7 @@ Client::Result Client::connectTcpServer(const char* host, int port, Link*& link)
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
-    // 0 means that the text is no address: the attempt goes on, with 0.0.0.0.
+    // It returns 0 if the text is not an address. The attempt then continues with 0.0.0.0.
     if (::inet_pton(AF_INET, host, &address.sin_addr) < 0) {
         return Result(ResultCode::ConnectionFailed) << "Bad server IP";
     }

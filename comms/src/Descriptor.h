@@ -4,7 +4,7 @@
 
 namespace velta::zub::comms {
 
-/// Owns a descriptor on its way from `socket` to a `Link`.
+/// Owns a descriptor until a `Link` takes it over.
 class Descriptor {
 public:
     explicit Descriptor(int fd) : _fd(fd) {}

@@ -50,7 +50,7 @@ Link::~Link() {
 void Link::close() {
     VELTA_ASSERT("comms/src/Link.cpp", 54, _fdLinkSocket > 0, "Invalid File Descriptor");
     if (!_isClosed) {
-        // The flag goes first: the call that the shutdown wakes must find it set.
+        // Set the flag first: the call that `shutdown` wakes must see it.
         _isClosed = true;
         ::shutdown(_fdLinkSocket, SHUT_RDWR);
     }

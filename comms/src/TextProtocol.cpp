@@ -51,7 +51,7 @@ TextProtocol::Result TextProtocol::receive(std::string*& message) {
     return ResultCode::Success;
 }
 
-// Appends what one read brings. A zero byte ends the chunk: it and what follows it are dropped.
+// Appends the bytes of one read. If there is a zero byte, drops it and the bytes after it.
 TextProtocol::Result TextProtocol::receiveChunk() {
     std::size_t bytesRead = 0;
     const Link::Result result =

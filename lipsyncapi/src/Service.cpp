@@ -18,8 +18,8 @@ using ApiLog = log::ApiLog<Logger>;
 constexpr unsigned long largestMarginMs = 100;
 constexpr unsigned long marginStepMs = 20;
 
-// Writes the line of a call. What the call did stands by then, so a line for which there is no
-// memory is dropped, and the caller still gets the result.
+// Writes the log line of a call. If memory runs out, the line is dropped: the call is complete by
+// then, and the caller must get its result.
 template <typename Write>
 void logCall(const Write& write) {
     try {
@@ -32,7 +32,7 @@ Service::Result notConnected() {
     return Service::Result(Service::ResultCode::BadState) << "Not connected to the audio ZUB";
 }
 
-// The engine's own verdict, in the words of this domain.
+// Translates the engine's verdict into a code of this domain.
 Service::Result toServiceResult(const cmdfrmwrk::Command::Result& verdict) {
     const bool notInCall = verdict.code == cmdfrmwrk::Command::ResultCode::BadState;
     return Service::Result(
@@ -40,7 +40,7 @@ Service::Result toServiceResult(const cmdfrmwrk::Command::Result& verdict) {
         Service::ResultCode::Success);
 }
 
-// One exchange with the engine, judged.
+// Runs one exchange. If it succeeds, the engine's verdict becomes the result.
 template <typename Command>
 Service::Result execute(cmdfrmwrk::Client& client, const typename Command::Request& request,
                         typename Command::Answer& answer) {
@@ -78,7 +78,7 @@ Service::~Service() {
     try {
         disconnect();
     } catch (...) {
-        // Only memory for the text of a result can have been missing: the connection is closed.
+        // Only the text of `BadState` needs memory, so there is no connection left to close.
     }
 }
 

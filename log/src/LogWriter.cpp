@@ -8,7 +8,7 @@ namespace velta::zub::log {
 
 namespace {
 
-// Records that the writer is going to drop must not be counted. On Linux it drops none.
+// Do not count records that the writer will drop. On Linux it drops none.
 bool isNextRecordCounted() {
 #ifdef __ANDROID__
     return reachesLogDaemon(getuid(), access("/dev/socket/logdw", W_OK) == 0);

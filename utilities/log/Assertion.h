@@ -8,8 +8,8 @@ namespace velta::utilities {
 
 } // namespace velta::utilities
 
-/// For broken invariants only: what a caller or the engine gets wrong ends in a result instead.
-/// `source` and `line` name the site in the record and stay what they are when code moves.
+/// For broken invariants only: expected failures are results. `source` and `line` name the site in
+/// the record. They are fixed, so they do not change when code moves.
 #define VELTA_ASSERT(source, line, condition, message)                                    \
     do {                                                                                  \
         if (!(condition)) {                                                               \

@@ -14,8 +14,8 @@
 
 namespace velta::utilities {
 
-/// Hands every record to each log trait of a type list, last trait first. Stateless; any thread.
-/// Failures of an output are ignored: logging never changes what the caller does.
+/// Passes every record to each log trait of a type list, last trait first. Stateless; any thread.
+/// Output errors are ignored, so that logging never affects the caller.
 template <typename Traits>
 class GenericLog;
 
@@ -29,7 +29,7 @@ public:
 template <typename Head, typename Tail>
 class GenericLog<TypeList<Head, Tail>> {
 public:
-    /// Writes one record, formatted as `printf` would.
+    /// Writes one record; `format` and `args` are as for `vprintf`.
     template <details::Level::Enum level>
     [[gnu::format(printf, 2, 0)]] static void valog(const char* tag, const char* format,
                                                     va_list args) {
@@ -40,8 +40,8 @@ public:
         Head::template valog<level>(tag, format, args);
     }
 
-    /// Collects the text of one record and writes it on destruction, unless it is empty. Without
-    /// memory for it the record is lost; that never shows in what the caller does.
+    /// Collects the text of one record and writes it in the destructor, unless it is empty. If
+    /// memory runs out, the record is lost and the caller does not notice.
     template <details::Level::Enum level>
     class Stream {
     public:

@@ -2,7 +2,7 @@
 
 namespace velta::utilities::details {
 
-/// How grave a record is. Always a template argument: every output maps it at compile time.
+/// The severity of a record. Always a template argument, so that outputs map it at compile time.
 struct Level {
     enum Enum { Fatal = 33, Info = 36 };
 };

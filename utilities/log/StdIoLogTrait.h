@@ -11,8 +11,8 @@
 
 namespace velta::utilities {
 
-/// Writes records to standard error, one line each: label, "/", tag, a blank, the text. A line of
-/// usual length is one write, so that lines of several threads do not mix.
+/// Writes records to standard error, one line each: label, "/", tag, a space, the text. A line of
+/// up to 1024 bytes is one write, so that lines from several threads do not mix.
 class StdIoLogTrait {
 public:
     template <details::Level::Enum level>
@@ -34,7 +34,7 @@ private:
         return level == details::Level::Fatal ? "F" : "I";
     }
 
-    // Writes nothing if the line is longer than its buffer.
+    // Returns false and writes nothing if the line does not fit the buffer.
     [[gnu::format(printf, 3, 0)]] static bool writeAtOnce(const char* label, const char* tag,
                                                           const char* format, va_list args) {
         char line[1024];

@@ -7,14 +7,14 @@
 
 namespace velta::utilities::serializer {
 
-/// Converts a type through another one, an enumeration through its number for example.
+/// Converts a type by way of another type, for example an enumeration by way of `int`.
 template <typename T, typename Via>
 struct CastConvertor {
     static bool toString(const T& value, std::string& text) {
         return Convertor<Via>::toString(static_cast<Via>(value), text);
     }
 
-    /// Writes `value` only on success.
+    /// After a failure `value` is unchanged.
     static bool fromString(std::string_view text, T& value) {
         Via via{};
         if (!Convertor<Via>::fromString(text, via)) {

@@ -2,13 +2,13 @@
 
 namespace velta::utilities::serializer {
 
-/// One child of a record: its trait, and how to get its value from the record and set it there.
+/// One child of a record: its trait, and the functions that get and set its value in the record.
 ///
 /// A record's trait is a class with
-/// - `Type`, the record;
+/// - `Type`, the type of the record;
 /// - `tag`, the name of its element;
-/// - `Children`, the type list of its children, read in this order;
-/// - `initialValue()`, the record that reading starts from.
+/// - `Children`, the type list of its children, in the order of reading;
+/// - `initialValue()`, the record before its children are read.
 template <typename ChildTrait, auto getter, auto setter>
 struct Child {
     using Trait = ChildTrait;

@@ -11,9 +11,10 @@
 
 namespace velta::utilities::serializer {
 
-/// Converts an integer to text and back. A number's text is bare: decimal, or hexadecimal behind
-/// "0x"; no white space; no minus sign for an unsigned type; nothing behind the digits. A plus sign
-/// is allowed, and form feeds in front, as a stream allows them. The caller's locale has no say.
+/// Converts an integer to text and back, independently of the global locale. Writes decimal digits.
+/// Reads "0x" and hexadecimal digits, or decimal digits after an optional sign; a minus sign only
+/// for a signed type. Decimal text may start with form feeds, which a stream skips too. Nothing
+/// else is allowed, in particular no other white space.
 template <typename T>
 struct Convertor {
     static_assert(std::is_integral<T>::value, "a type of its own needs a convertor of its own");
@@ -23,7 +24,7 @@ struct Convertor {
         return true;
     }
 
-    /// Writes `value` only on success.
+    /// After a failure `value` is unchanged.
     static bool fromString(std::string_view text, T& value) {
         if (text.substr(0, 2) == "0x") {
             return readUnsigned(text.substr(2), 16, value);
@@ -36,7 +37,7 @@ struct Convertor {
     }
 
 private:
-    // A minus sign is left only for the plain form, and there for signed types.
+    // `from_chars` takes a minus sign for signed types, but none may follow "0x" or "+".
     static bool readUnsigned(std::string_view text, int base, T& value) {
         return text.substr(0, 1) != "-" && read(text, base, value);
     }
@@ -53,7 +54,6 @@ private:
     }
 };
 
-/// Text is taken as it is.
 template <>
 struct Convertor<std::string> {
     static bool toString(const std::string& value, std::string& text) {

@@ -4,8 +4,8 @@
 
 namespace velta::utilities::serializer {
 
-/// A value that stands as text in an element named `*elementName`. With `emptyTextAllowed` an
-/// element without text reads as the empty value; otherwise that is a failure.
+/// A value held as text in an element named `*elementName`. An element without text gives the empty
+/// value if `emptyTextAllowed` is set, and is a failure otherwise.
 template <typename T, const char* const* elementName, bool emptyTextAllowed, typename Convertor>
 struct NamedTextTrait {
     using Type = T;

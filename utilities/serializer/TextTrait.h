@@ -2,7 +2,7 @@
 
 namespace velta::utilities::serializer {
 
-/// A value that stands in one text node.
+/// A value held in one text node.
 template <typename T, typename ConvertorType>
 struct TextTrait {
     using Type = T;

@@ -11,22 +11,23 @@
 
 namespace velta::utilities::xmlserializer::detail {
 
-/// The text of the document that holds `command`: the declaration, the root element with its
-/// version, and in it the command, on one line without white space between elements.
+/// Returns a document on one line, without white space between elements: the declaration, and the
+/// root element with its version and `command` in it.
 std::string printDocument(const std::string& rootTag, const std::string& version,
                           const TiXmlElement& command);
 
-/// Parses `text` into `document` and finds its command element, which the document owns. On
-/// failure the code is `ConversionFailed` and `command` is null.
+/// Parses `text` into `document` and finds its command element, which `document` owns. On failure
+/// returns `ConversionFailed`, and `command` is null.
 Result parseDocument(const std::string& text, const std::string& rootTag,
                      const std::string& version, TiXmlDocument& document,
                      const TiXmlElement*& command);
 
-/// Move past what comes before and after the command in a document in plain form.
+/// In a document in plain form, move past the text before or after the command. Return false if
+/// another text comes next; the position may have moved.
 bool skipFrameStart(PlainCursor& document, const std::string& rootTag, const std::string& version);
 bool skipFrameEnd(PlainCursor& document, const std::string& rootTag);
 
-/// Reads a whole document in plain form. `answer` is filled completely or not at all.
+/// Reads a whole document in plain form. Returns false if it is not; then `answer` is unchanged.
 template <typename Trait>
 bool readPlainDocument(std::string_view text, const std::string& rootTag,
                        const std::string& version, typename Trait::Type& answer) {

@@ -4,8 +4,8 @@
 
 namespace velta::utilities::xmlserializer::detail {
 
-/// A position in a document in plain form. Each function returns whether the expected text comes
-/// next and, if so, moves past it.
+/// A position in a document in plain form (see `PlainReader`). Each skip and read function returns
+/// whether the expected text comes next and, if so, moves past it.
 class PlainCursor {
 public:
     explicit PlainCursor(std::string_view document) : _rest(document) {}
@@ -20,17 +20,17 @@ public:
     bool skipStart(std::string_view tag) { return skip("<", tag, ">"); }
     bool skipEnd(std::string_view tag) { return skip("</", tag, ">"); }
 
-    /// An element without content.
+    /// Skips an element without content.
     bool skipEmpty(std::string_view tag) { return skip("<", tag, " />"); }
 
-    /// Plain text up to the next tag. Text that is all blank does not count, because TinyXML drops
-    /// it. `text` lives as long as the document.
+    /// Reads plain text up to the next tag. Fails for text of spaces only, because TinyXML drops
+    /// it. `text` is valid as long as the document.
     bool readText(std::string_view& text);
 
     bool isAtEnd() const { return _rest.empty(); }
 
 private:
-    // All of it or nothing.
+    // Skips all three parts or none.
     bool skip(std::string_view before, std::string_view tag, std::string_view after) {
         PlainCursor rest(*this);
         if (!rest.skip(before) || !rest.skip(tag) || !rest.skip(after)) {
@@ -43,8 +43,8 @@ private:
     std::string_view _rest;
 };
 
-/// Whether text means itself in a document: printable ASCII without the characters that TinyXML
-/// escapes.
+/// Whether a document holds this text unescaped: all of it is printable ASCII, without the
+/// characters that TinyXML escapes.
 bool isPlain(std::string_view text);
 
 } // namespace velta::utilities::xmlserializer::detail

@@ -6,13 +6,14 @@
 
 namespace velta::utilities::xmlserializer::detail {
 
-/// Reads the value of a trait from a document in plain form: as the engine prints it, with the
-/// children in the trait's order, and without white space, comments and entities. No tree is built;
-/// building one is most of what reading an answer costs otherwise. This is the form for records.
+/// Reads the value of a trait without a tree: building one is most of the cost of reading an
+/// answer. Takes only documents in plain form: as the engine prints them, with children in the
+/// trait's order, and without comments, entities, or white space between elements. This
+/// template is for records.
 ///
-/// Returns false for everything else, right or wrong, which TinyXML must then read; the value may
-/// be filled in part. A document that is read here reads the same through TinyXML. Only the text
-/// that a success collects there is missing, and nobody sees that.
+/// `read` returns false for all other documents, valid or not; TinyXML must then read them. The
+/// value may be partly filled. When `read` succeeds, TinyXML would give the same value; only the
+/// message that it would add to the success is missing, and a success never shows its message.
 template <typename Trait>
 struct PlainReader {
     using Record = typename Trait::Type;

@@ -9,10 +9,10 @@ namespace velta::utilities::xmlserializer {
 enum class ResultCode : std::int32_t {
     Success = 66,
     UnknownError = 67,       ///< Not produced.
-    WrongXmlNode = 68,       ///< An element has another name than the expected one.
+    WrongXmlNode = 68,       ///< An element does not have the expected name.
     ChildNotFound = 69,      ///< An element lacks a child element, or its text.
-    UnexpectedNodeType = 70, ///< A node is no text node.
-    ConversionFailed = 71,   ///< A text is no value of the type, or the document's frame is wrong.
+    UnexpectedNodeType = 70, ///< A node is not a text node.
+    ConversionFailed = 71,   ///< A value cannot be converted, or the document's root is wrong.
     InvalidArgument = 72,    ///< Not produced.
     InputStreamInvalid = 73, ///< Not produced.
 };

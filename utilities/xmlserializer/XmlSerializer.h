@@ -15,7 +15,7 @@ namespace velta::utilities::xmlserializer {
 
 namespace detail {
 
-/// The trait in a list that serves a type. A type that no trait serves does not compile.
+/// Finds the trait for a type in a list of traits. Does not compile if there is none.
 template <typename Traits, typename Type>
 struct TraitOf
     : std::conditional_t<std::is_same<typename Traits::Head::Type, Type>::value,
@@ -23,8 +23,8 @@ struct TraitOf
 
 } // namespace detail
 
-/// Turns a typed request into a document, and a document into a typed answer. Immutable; any
-/// thread. `Traits` is the type list of the record traits that serve the messages.
+/// Writes a typed request as a document, and reads a document into a typed answer. Immutable; any
+/// thread. `Traits` is a type list with a record trait for each request and answer.
 template <typename Traits>
 class XmlSerializer {
 public:
@@ -32,7 +32,7 @@ public:
     XmlSerializer(std::string rootTag_, std::string version_)
         : rootTag(std::move(rootTag_)), version(std::move(version_)) {}
 
-    /// On failure `text` is empty and the code is the one of the request's trait.
+    /// After a failure `text` is empty; the code is from the serializer of the request's trait.
     template <typename Request>
     Result serialize(const Request& request, std::string& text) const {
         using Trait = typename detail::TraitOf<Traits, Request>::Head;
@@ -46,7 +46,7 @@ public:
         return ResultCode::Success;
     }
 
-    /// After a failure `answer` may be filled in part: fields read before the failing one are set.
+    /// After a failure `answer` may be partly filled: fields read before the failing one are set.
     template <typename Answer>
     Result deserialize(const std::string& text, Answer& answer) const {
         using Trait = typename detail::TraitOf<Traits, Answer>::Head;

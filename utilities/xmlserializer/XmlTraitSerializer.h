@@ -16,7 +16,7 @@ struct XmlTraitSerializer;
 
 namespace detail {
 
-/// Fails unless the element is named `tag`.
+/// Returns `WrongXmlNode` if the element is not named `tag`.
 Result checkName(const TiXmlNode& element, const char* tag);
 
 /// Finds the first child element named `tag`. On failure `child` is null.
@@ -25,7 +25,7 @@ Result findElement(const TiXmlNode& parent, const char* tag, const TiXmlNode*& c
 /// Finds the first text child. On failure `child` is null.
 Result findText(const TiXmlNode& parent, const TiXmlNode*& child);
 
-/// Appends the element that was being read to the outcome, whether a success or a failure.
+/// Appends the name of the element being read to the message of `outcome`, a success or a failure.
 Result whileDeserializing(Result outcome, const char* tag);
 
 /// Finds the node inside an element that holds the value of a trait. On failure `child` is null.
@@ -43,16 +43,16 @@ struct ChildAccess<serializer::TextTrait<T, Convertor>> {
     }
 };
 
-/// Walks the children of a record, in list order, up to the first that fails.
+/// Writes or reads the children of a record in list order and stops at the first failure.
 template <typename Record, typename Children>
 struct SerializerChildList {
-    /// Links one new node for each child into `element`.
+    /// Adds one new node for each child to `element`.
     static Result toXml(const Record& record, TiXmlNode& element) {
         return forEachChild(
             [&](auto child) { return writeChild<decltype(child)>(record, element); });
     }
 
-    /// Children read before the failing one are set in `record`.
+    /// After a failure `record` holds the children that were read before the failing one.
     static Result fromXml(const TiXmlNode& element, Record& record) {
         return forEachChild(
             [&](auto child) { return readChild<decltype(child)>(element, record); });
@@ -98,14 +98,14 @@ private:
 
 } // namespace detail
 
-/// Converts the value of a trait to XML and back. This is the form for records; the
-/// specialisations serve the other kinds of traits.
+/// Converts the value of a trait to XML and back. This template is for records; the specialisations
+/// are for the other kinds of traits.
 template <typename Trait>
 struct XmlTraitSerializer {
     using Record = typename Trait::Type;
     using Children = detail::SerializerChildList<Record, typename Trait::Children>;
 
-    /// Fills `element`, which the caller has named.
+    /// Adds the children to `element`, which already has its name.
     static Result toXml(const Record& record, TiXmlNode& element) {
         return Children::toXml(record, element);
     }
@@ -123,7 +123,7 @@ struct XmlTraitSerializer {
 
 template <typename T, typename Convertor>
 struct XmlTraitSerializer<serializer::TextTrait<T, Convertor>> {
-    /// Makes a text node, which the caller owns. After a failure `node` is unchanged.
+    /// Creates a text node, which the caller owns. After a failure `node` is unchanged.
     static Result toXml(const T& value, TiXmlNode*& node) {
         std::string text;
         if (!Convertor::toString(value, text)) {

@@ -11,7 +11,7 @@ namespace velta::utilities::xmlserializer::detail {
 
 namespace {
 
-// The functions that TinyXML itself reads with.
+// Gives access to functions that TinyXML's own parser uses.
 struct Reader : TiXmlUnknown {
     using TiXmlUnknown::IsAlpha;
     using TiXmlUnknown::ReadName;
@@ -19,9 +19,9 @@ struct Reader : TiXmlUnknown {
     using TiXmlUnknown::StringEqual;
 };
 
-// Goes through a document as TinyXML does, but keeps a list of open elements where TinyXML calls
-// itself. Everything that holds no elements is read by TinyXML: a second opinion on where a
-// comment or an attribute ends would be a way around the limits.
+// Walks through a document as TinyXML does, but keeps a list of open elements where TinyXML
+// recurses. Comments, text, attributes and the like are skipped by TinyXML's own functions: if we
+// disagreed on where one ends, a document could slip past the limits.
 class Walk {
 public:
     Walk(const DocumentLimits& limits, const char* text) : _limits(limits), _at(text) {
@@ -40,7 +40,7 @@ public:
 private:
     bool hasMore() const { return _at != nullptr && *_at != '\0'; }
 
-    // TinyXML gives up at the first thing that it cannot read.
+    // TinyXML stops at the first error.
     void stop() { _at = nullptr; }
 
     bool startsWith(const char* text, bool ignoreCase = false) const {
@@ -84,7 +84,7 @@ private:
         }
     }
 
-    // The first declaration settles the encoding, unless a byte order mark has.
+    // The first declaration sets the encoding, unless a byte order mark has set it.
     void readDeclaration() {
         TiXmlDeclaration declaration;
         _at = declaration.Parse(_at, nullptr, _encoding);
@@ -128,7 +128,7 @@ private:
         }
     }
 
-    // Up to the end of the tag.
+    // Reads up to the end of the tag.
     void readAttributes() {
         std::size_t count = 0;
         for (skipWhiteSpace(); hasMore() && *_at != '/' && *_at != '>'; skipWhiteSpace()) {
@@ -160,11 +160,11 @@ private:
     const DocumentLimits _limits;
     const char* _at;
     TiXmlEncoding _encoding = TIXML_ENCODING_UNKNOWN;
-    std::vector<std::string_view> _open; // The names of the elements around.
+    std::vector<std::string_view> _open; // The names of the open elements, outermost first.
     bool _isWithin = true;
 };
 
-// Enough for every document that the engine really sends: a text with few tags cannot nest deeply.
+// Decides for all real answers without a walk: a text with few tags cannot nest deeply.
 bool isSurelyWithin(const DocumentLimits& limits, const std::string& text) {
     const auto count = [&](char c) {
         return static_cast<std::size_t>(std::count(text.begin(), text.end(), c));

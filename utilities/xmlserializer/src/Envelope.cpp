@@ -6,9 +6,9 @@ namespace velta::utilities::xmlserializer::detail {
 
 namespace {
 
-// By default TinyXML trims and folds white space; then a number with a blank beside it would be
-// accepted, and a message would not arrive as it was sent. The switch is global to TinyXML, of
-// which this library has a copy of its own, and is set before any thread can parse.
+// By default TinyXML trims and folds white space: it would accept a number next to a space, and
+// would change messages. The switch is global, so the library has a private copy of TinyXML and
+// sets it on load, before any thread can parse.
 const bool whiteSpaceIsKept = (TiXmlBase::SetCondenseWhiteSpace(false), true);
 
 // What comes before and after the command, in the form that TinyXML and the engine print.
@@ -48,9 +48,9 @@ Result parseDocument(const std::string& text, const std::string& rootTag,
     command = nullptr;
     const std::string padded = text + std::string(textPadding, '\0');
     if (isWithin(answerLimits, padded)) {
-        // Nobody asks for lines and columns, and counting them takes another pass.
+        // Turn off row and column tracking: it takes another pass, and nothing uses it.
         document.SetTabSize(0);
-        // Parser errors are not looked at: what tree there is decides.
+        // Parser errors are ignored: whatever tree TinyXML has built is read.
         document.Parse(padded.c_str(), nullptr, TIXML_ENCODING_UNKNOWN);
     }
     const TiXmlElement* const root = document.FirstChildElement(rootTag.c_str());
