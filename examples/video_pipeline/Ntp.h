@@ -5,7 +5,7 @@
 
 namespace video {
 
-// NTP timestamps in 32.32 fixed point count seconds from 1900 in their upper half.
+// An NTP timestamp is 32.32 fixed point: its upper half counts seconds since 1900.
 constexpr std::uint64_t secondsFrom1900To1970 = 2208988800;
 constexpr double unitsPerSecond = 4294967296.0;
 
@@ -18,7 +18,7 @@ inline std::uint64_t ntpNow() {
            static_cast<std::uint64_t>(fraction * unitsPerSecond);
 }
 
-/// From one timestamp to a later one, or, negative, to an earlier one.
+/// Negative if `to` is earlier than `from`.
 inline double ntpMillisecondsBetween(std::uint64_t from, std::uint64_t to) {
     return static_cast<double>(static_cast<std::int64_t>(to - from)) * 1000.0 / unitsPerSecond;
 }

@@ -9,7 +9,7 @@ namespace video {
 
 Picture Pictures::next() {
     constexpr std::chrono::nanoseconds frameLength{1000000000 / 30};
-    // After a stall the pictures that were missed are skipped.
+    // After a stall, skip the missed pictures.
     _due = std::max(_due + frameLength, Clock::now());
     std::this_thread::sleep_until(_due);
     std::uniform_real_distribution<double> lateness(0.192, 0.198);

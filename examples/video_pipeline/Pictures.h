@@ -12,8 +12,8 @@ struct Picture {
     std::uint64_t shown;    ///< Here; NTP 32.32.
 };
 
-/// Simulated pictures of a call, 30 a second: network, decoder and display make each some 195 ms
-/// late, give or take a few.
+/// Simulated pictures of a call, 30 per second. Network, decoder and display make each one about
+/// 195 ms late.
 class Pictures {
 public:
     /// Blocks until the next picture is on the screen.

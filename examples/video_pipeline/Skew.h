@@ -4,12 +4,12 @@
 
 namespace video {
 
-/// How far the audio may be from the picture before viewers notice: detectability thresholds of
-/// ITU-R BT.1359. Positive where the audio is late; ms.
+/// The skew at which viewers notice it: detectability thresholds of ITU-R BT.1359, in ms. Positive
+/// means that the audio is late.
 constexpr double audioEarlyLimitMs = -45;
 constexpr double audioLateLimitMs = 125;
 
-/// What was measured on a number of pictures.
+/// The skew of a number of pictures.
 class Skew {
 public:
     void add(double pictureLatenessMs, double audioLatenessMs);
@@ -17,11 +17,11 @@ public:
 
     std::size_t count() const { return _count; }
 
-    // Means; ms. Only of something: the count must not be 0.
+    // Means in ms; `count()` must not be 0.
     double pictureLateness() const { return _pictures / static_cast<double>(_count); }
     double audioLateness() const { return _audio / static_cast<double>(_count); }
 
-    /// Audio lateness less picture lateness; ms.
+    /// Audio lateness minus picture lateness; ms.
     double mean() const { return audioLateness() - pictureLateness(); }
     double smallest() const { return _smallest; }
     double largest() const { return _largest; }
@@ -38,8 +38,8 @@ private:
     double _largest = 0;
 };
 
-/// The margin that brings audio and pictures closest together: a multiple of `granularityMs` up to
-/// `maxMs`. `skewWithoutMarginMs` is the skew that there would be with a margin of 0.
+/// The margin with the smallest skew: a multiple of `granularityMs` up to `maxMs`.
+/// `skewWithoutMarginMs` is the skew at a margin of 0.
 unsigned long bestMargin(double skewWithoutMarginMs, unsigned long granularityMs,
                          unsigned long maxMs);
 

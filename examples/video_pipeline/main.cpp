@@ -1,5 +1,5 @@
-// A video pipeline that keeps its pictures in step with a call's audio. It measures how late its
-// pictures and the audio are, and asks the engine to delay the audio until they meet.
+// A simulated video pipeline that keeps its pictures in step with a call's audio. It measures how
+// late pictures and audio are, and asks the engine to delay the audio to match.
 
 #include <getopt.h>
 
@@ -31,7 +31,7 @@ public:
     Pipeline(std::string socket, std::chrono::seconds length)
         : _socket(std::move(socket)), _start(Clock::now()), _end(_start + length) {}
 
-    /// Runs for the whole length. True if the skew stayed inside the window.
+    /// Runs for `length`. Returns true if the skew stayed inside the window.
     bool run() {
         while (!isOver()) {
             if (connect()) {
@@ -45,7 +45,7 @@ public:
 private:
     bool isOver() const { return Clock::now() >= _end; }
 
-    // Tries until the engine is there or the time is over.
+    // Retries until it is connected or the time is up.
     bool connect() {
         while (!isOver()) {
             if (succeeded(_service.connect(_socket))) {
@@ -55,9 +55,9 @@ private:
         return false;
     }
 
-    // Until the engine goes away or the time is over.
+    // Returns when a call fails or the time is up.
     void showPictures() {
-        // The engine may have been started anew, so its margin is set first.
+        // The engine may have been restarted, so set its margin first.
         if (!succeeded(_service.getCapabilities(_granularityMs, _maxMarginMs)) || !setMargin(0)) {
             return;
         }
@@ -99,7 +99,7 @@ private:
         _service.setVideoTimestamps(timestamps);
     }
 
-    // Sets the margin that the last second asks for, if it is another one.
+    // Sets the best margin for the last second, if it differs from the current one.
     bool steer(const Skew& second) {
         const double skewWithoutMargin = second.mean() - static_cast<double>(_marginMs);
         const unsigned long margin = bestMargin(skewWithoutMargin, _granularityMs, _maxMarginMs);
@@ -118,8 +118,8 @@ private:
         return true;
     }
 
-    // After a failure the connection is given up and the next one tried a little later. What is
-    // the same as before is not said again.
+    // After a failure, waits a little: the caller then reconnects. A repeated failure is printed
+    // only once.
     bool succeeded(const Service::Result& result) {
         if (result.isSuccess()) {
             return true;
@@ -215,7 +215,7 @@ int main(int argc, char** argv) {
         printUsage(stderr);
         return exitUsage;
     }
-    // An engine that goes away must not take this process with it.
+    // Writing to an engine that hung up must not kill this process.
     std::signal(SIGPIPE, SIG_IGN);
     return Pipeline(socket, std::chrono::seconds(seconds)).run() ? EXIT_SUCCESS : exitOutsideWindow;
 }

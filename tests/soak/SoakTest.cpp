@@ -1,4 +1,4 @@
-// A pipeline that runs for long against an engine that often misbehaves.
+// Many exchanges with an engine that often misbehaves.
 
 #include <chrono>
 #include <csignal>
@@ -21,7 +21,7 @@ const std::string closed = transport +
                            "Connection closed by distant (Code 5905): {Protocol has been closed by "
                            "distant (Code 40005): {Closed by distant (Code 10003)}}}";
 
-// How a result begins, whatever the engine does.
+// Every result begins with one of these texts.
 const std::string beginnings[] = {
     "Success",
     "The lipsync server returned an error (Code 1006): {Invalid parameter (Code 1002): no}",
@@ -37,7 +37,7 @@ class Soak : public tests::EngineTest {
 protected:
     Soak() { std::signal(SIGPIPE, SIG_IGN); }
 
-    // Sets the margin of a new connection, or reads timestamps on the one that there is.
+    // Sets the margin on a new connection, reads timestamps on an existing one.
     void exchange() {
         const bool isNew = service.connect(socket).isSuccess();
         const Service::Result result =

@@ -89,7 +89,7 @@ TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
             EXPECT_EQ(reader.wait(), -SIGKILL) << line;
             continue;
         }
-        // What depends on where the document is cut is left out.
+        // Compared up to the "...": the rest depends on where the document is cut.
         const std::string failure = (expected + '\n').substr(0, expected.find("..."));
         EXPECT_PRED_FORMAT2(IsSubstring,
                             expected == "Success" ? "  latency " : "\nlipsyncctl: " + failure,
@@ -143,7 +143,7 @@ TEST_F(Azubsim, AFaultOfOneClientDoesNotHoldUpAnother) {
     engine.readUntil("client 1 >");
     const Process flooded({LIPSYNCCTL, "timestamps", "--socket", socket});
     engine.readUntil("client 2 >");
-    // Takes no more of the flood.
+    // It stops reading the flood.
     flooded.signal(SIGSTOP);
     run(LIPSYNCCTL, "timestamps" + at);
 }
@@ -161,7 +161,7 @@ TEST_F(Azubsim, ReplaysWhatItRecorded) {
     EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at), reading);
     const std::string closed = run(LIPSYNCCTL, "timestamps" + at, 1);
     EXPECT_PRED_FORMAT2(IsSubstring, "{Closed by distant", closed);
-    // The record is over.
+    // The recording has ended.
     EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at, 1), closed);
     std::ifstream recorded(file);
     std::string exchanges;

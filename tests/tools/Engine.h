@@ -13,7 +13,7 @@
 
 namespace tests {
 
-/// An engine simulator that listens.
+/// An engine simulator that is ready for connections.
 class Engine : public Process {
 public:
     explicit Engine(const std::string& socket, std::vector<std::string> options = {})
@@ -22,11 +22,11 @@ public:
     }
 };
 
-/// A test that runs programs, and has a path for an engine's socket.
+/// A test that runs programs and has a socket path for an engine.
 class EngineTest : public testing::Test {
 protected:
-    /// Runs a program, with arguments that are separated by spaces, to its end, which must have
-    /// this status. What it printed, without the library's log lines.
+    /// Runs a program with arguments separated by spaces and expects this exit status. Returns its
+    /// output without the library's log lines.
     static std::string run(const std::string& program, const std::string& arguments, int status = 0,
                            Process::Output to = Process::ToTest) {
         std::istringstream words(arguments);
@@ -38,7 +38,7 @@ protected:
         return std::regex_replace(output, std::regex("I/AZUBLIPSYNCAPI .*\n"), "");
     }
 
-    /// The same, where what goes to standard error begins so.
+    /// Like `run`, but standard error must begin with `error`.
     static void expectFailure(const std::string& program, const std::string& arguments, int status,
                               const std::string& error) {
         const std::string output = run(program, arguments, status, Process::ToFullDisk);

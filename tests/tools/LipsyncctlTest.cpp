@@ -102,10 +102,10 @@ TEST_F(Lipsyncctl, ShowsALiveViewAndLeavesTheTerminalAsItWas) {
     }
     EXPECT_PRED_FORMAT2(testing::IsSubstring, "Captured", view.readUntil("capture to rendering"));
     engine.signal(SIGTERM);
-    // Only what changes on the screen is written; this is past what stood there before.
+    // Only changed characters are written; this text differs from what was on the screen.
     view.readUntil("occured in the transport layer");
     view.write("\x03");
-    // The terminal's own text comes back and the cursor with it.
+    // The terminal's previous text is restored.
     const std::string end = view.readAll();
     EXPECT_PRED_FORMAT2(testing::IsSubstring, "\x1b[?1049l", end);
     EXPECT_PRED_FORMAT2(testing::IsNotSubstring, "I/AZUBLIPSYNCAPI", end);

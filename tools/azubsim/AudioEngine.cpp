@@ -28,7 +28,7 @@ std::uint64_t toNtp(AudioEngine::Clock::time_point time) {
            ((ns % nsPerSecond) << 32) / nsPerSecond;
 }
 
-// Wanders between 20 and 120 ms: a slow swing and a faster, smaller one.
+// Varies between 20 and 120 ms: a slow sine wave plus a faster, smaller one.
 milliseconds jitterDepth(AudioEngine::Clock::time_point time) {
     constexpr double twoPi = 6.283185307179586;
     const double seconds = duration<double>(time.time_since_epoch()).count();

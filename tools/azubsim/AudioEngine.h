@@ -20,8 +20,8 @@ struct Timestamps {
     std::uint64_t jitterDepthMs = 0;
 };
 
-/// The audio side of a call: packets that come through a network into a jitter buffer, and out of
-/// it to the loudspeaker.
+/// The audio side of a call: packets arrive from a network, wait in a jitter buffer, and go to the
+/// loudspeaker.
 class AudioEngine {
 public:
     using Clock = std::chrono::system_clock;
@@ -29,11 +29,11 @@ public:
     bool isInCall() const { return _inCall; }
     void setInCall(bool inCall) { _inCall = inCall; }
 
-    /// The packet that arrived last: when it was captured, when it arrived, and when it will be
-    /// rendered, which a margin delays by exactly so much.
+    /// When the packet that arrived last was captured and received, and when it will be rendered:
+    /// the margin is added to the rendering time.
     Verdict timestamps(Clock::time_point now, Timestamps& timestamps) const;
 
-    /// Takes multiples of 20 ms up to 100 ms.
+    /// Accepts multiples of 20 ms up to 100 ms.
     Verdict setMargin(std::uint64_t marginMs);
 
 private:

@@ -31,7 +31,7 @@ bool Console::read() {
     char chunk[1024];
     const ssize_t n = ::read(STDIN_FILENO, chunk, sizeof(chunk));
     if (n <= 0) {
-        // The last line may come without its end.
+        // The last line may have no line feed.
         std::cout << execute(_input) << std::flush;
         return false;
     }
@@ -47,7 +47,7 @@ bool Console::read() {
     return !_wantsToQuit;
 }
 
-// What is printed about a line.
+// Executes a line and returns the text to print.
 std::string Console::execute(const std::string& line) {
     const Words words(line);
     const std::string& name = words.first;

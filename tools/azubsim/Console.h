@@ -6,16 +6,16 @@
 
 namespace azubsim {
 
-/// Changes the simulator by lines on standard input.
+/// Reads commands from standard input and changes the simulator's settings.
 class Console {
 public:
     explicit Console(Simulator& simulator);
 
-    /// Shows the prompt, on a terminal.
+    /// Prints the prompt if standard input is a terminal.
     void prompt() const;
 
-    /// Reads what there is and carries out its lines. False at the end of the input, and after
-    /// "quit", which sets `wantsToQuit`.
+    /// Reads available input and executes its lines. Returns false at end of input and after
+    /// "quit", which also sets `wantsToQuit`.
     bool read();
 
     bool wantsToQuit() const { return _wantsToQuit; }

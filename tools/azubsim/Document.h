@@ -7,19 +7,18 @@
 
 namespace azubsim {
 
-/// An XML element with text or children.
 struct Element {
     std::string name;
     std::string text;
     std::vector<Element> children;
 };
 
-/// The document of an answer, as the protocol asks for it until a fault spoils it.
+/// The document of an answer; it is valid unless a fault has changed it.
 struct Document {
     std::string version = "0.1.0";
     Element command;
 
-    /// On one line, without an end marker.
+    /// The document on one line, without the end marker.
     std::string print() const;
 };
 

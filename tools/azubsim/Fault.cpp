@@ -43,7 +43,7 @@ void setNumbers(Element& element, const std::string& text) {
     }
 }
 
-// A write for each byte, so far apart that the client reads them one by one.
+// One write per byte, far enough apart that the client reads each byte separately.
 std::vector<Reply::Piece> split(const std::string& bytes) {
     std::vector<Reply::Piece> pieces;
     pieces.reserve(bytes.size());

@@ -10,7 +10,7 @@
 
 namespace azubsim {
 
-/// One way to answer wrongly.
+/// One way to give a wrong answer.
 class Fault {
 public:
     enum class Kind {
@@ -31,26 +31,26 @@ public:
         Reset,
     };
 
-    /// How a fault is written and what it does.
+    /// The syntax and effect of a fault, for the help.
     struct Description {
         Kind kind;
         const char* name;
-        const char* argument; ///< Empty, or what follows the name.
+        const char* argument; ///< Its placeholder; empty if there is none.
         const char* effect;
     };
 
-    /// All of them, in the order in which they are listed to users.
+    /// All faults, in the order of the help.
     static const std::vector<Description>& descriptions();
 
-    /// Reads a name and its argument, for example "delay 200". False, with the reason in `error`,
-    /// if it is no fault.
+    /// Parses a name and its argument, for example "delay 200". Returns false, with the reason in
+    /// `error`, if the text is not a fault.
     static bool parse(const std::string& text, Fault& fault, std::string& error);
 
-    /// As it was written.
+    /// The text that was parsed.
     const std::string& text() const { return _text; }
 
-    /// Spoils what is answered: first the engine's verdict, then the document, then its delivery.
-    /// A flood is `floodBytes` long.
+    /// Apply the fault to the engine's verdict, then to the document, then to its delivery.
+    /// A flood has `floodBytes` bytes.
     void spoil(Verdict& verdict) const;
     void spoil(Document& document) const;
     Reply deliver(const std::string& document, std::size_t floodBytes) const;
@@ -64,7 +64,7 @@ private:
     int _number = 0;
 };
 
-/// How an answer is delivered that is not spoiled.
+/// Delivers an answer without a fault.
 Reply deliver(const std::string& document);
 
 } // namespace azubsim

@@ -16,7 +16,7 @@ const Fault* FaultPlan::next() {
     if (_faults.empty()) {
         return nullptr;
     }
-    // Plain remainders: what a seed chooses must not depend on a library's distributions.
+    // Remainders, because distributions differ between standard libraries.
     if (_seed) {
         return _random() % _every == 0 ? &_faults[_random() % _faults.size()] : nullptr;
     }

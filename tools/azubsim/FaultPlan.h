@@ -9,20 +9,20 @@
 
 namespace azubsim {
 
-/// Says which answers are spoiled, and how.
+/// Decides which answers get which fault.
 ///
-/// Without a seed every N-th answer is, and the faults take turns. With a seed each answer is with
-/// a chance of one in N, by a fault chosen at random; the same seed chooses the same again.
+/// Without a seed, every N-th answer gets a fault, and the faults take turns. With a seed, each
+/// answer has a chance of one in N to get a random fault; the same seed repeats the choices.
 class FaultPlan {
 public:
     void clear() { _faults.clear(); }
     void add(const Fault& fault) { _faults.push_back(fault); }
 
-    /// At least 1, which spoils every answer.
+    /// `every` is at least 1; 1 means every answer.
     void setEvery(unsigned int every);
     void setSeed(std::optional<std::uint32_t> seed);
 
-    /// The fault of the next answer, or null.
+    /// The fault for the next answer, or null.
     const Fault* next();
 
     const std::vector<Fault>& faults() const { return _faults; }

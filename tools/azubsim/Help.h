@@ -4,7 +4,7 @@
 
 namespace azubsim {
 
-/// The faults, and the commands of the console, as lines of text: what is written, what it does.
+/// One line for each fault or console command: its syntax and its effect.
 std::string faultTable();
 std::string commandTable();
 

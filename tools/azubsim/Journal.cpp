@@ -59,7 +59,7 @@ void Recorder::add(int client, const std::string& request, const Reply& reply,
     object["answer"] = reply.bytes();
     object["end"] = endName(reply.end);
     object["fault"] = fault;
-    // A client may send what is no UTF-8.
+    // Requests can contain invalid UTF-8.
     _file << object.dump(-1, ' ', true, json::error_handler_t::replace) << std::endl;
     if (!_file.good()) {
         std::cerr << "azubsim: the record cannot be written, and ends here" << std::endl;

@@ -8,26 +8,26 @@
 
 namespace azubsim {
 
-/// Writes exchanges to a file, one JSON object a line.
+/// Writes exchanges to a file, one JSON object per line.
 class Recorder {
 public:
-    /// False if the file cannot be written.
+    /// Returns false if the file cannot be opened.
     bool open(const std::string& path);
 
-    /// `fault` is empty for an answer that was not spoiled. Does nothing before `open`.
+    /// `fault` is empty for an answer without a fault. Does nothing before `open`.
     void add(int client, const std::string& request, const Reply& reply, const std::string& fault);
 
 private:
     std::ofstream _file;
 };
 
-/// Gives the answers of a recorded file back, in their order.
+/// Replays the answers of a recorded file in order.
 class Replay {
 public:
-    /// False, with the reason in `error`, if the file is none that a `Recorder` wrote.
+    /// Returns false, with the reason in `error`, if the file is not a recording.
     bool open(const std::string& path, std::string& error);
 
-    /// The next answer; when there is none left, the connection is closed.
+    /// The next answer; after the last one, a reply that closes the connection.
     Reply next();
 
 private:

@@ -17,7 +17,7 @@ struct Options {
     std::string socket;
     bool noCall = false;
     std::vector<std::string> faultTexts;
-    std::vector<Fault> faults; ///< What these texts say.
+    std::vector<Fault> faults; ///< Parsed from `faultTexts`.
     unsigned int every = 1;
     std::optional<std::uint32_t> seed;
     std::size_t floodBytes = 16777216;
@@ -26,10 +26,10 @@ struct Options {
     bool isVerbose = false;
 };
 
-/// Declares the options, and with them what the help and the manual page say.
+/// Declares the options. Help and manual page are generated from them.
 void declareOptions(CLI::App& app, Options& options);
 
-/// Reads the command line. Returns the exit status if the program has to end.
+/// Parses the command line. Returns the exit status if the program must exit.
 std::optional<int> readOptions(int argc, char** argv, Options& options);
 
 } // namespace azubsim

@@ -6,26 +6,26 @@
 
 namespace azubsim {
 
-/// Closes every message.
+/// The empty line at the end of every message.
 inline constexpr const char* endMarker = "\n\n";
 
-/// What is done about one request: pieces that are written one by one, and how it ends.
+/// The reply to one request: pieces to write one by one, and what then happens to the connection.
 struct Reply {
     struct Piece {
-        std::chrono::microseconds wait{0}; ///< Before it is written.
+        std::chrono::microseconds wait{0}; ///< Before writing `bytes`.
         std::string bytes;
     };
 
     enum class End {
-        Open,  ///< The connection goes on.
-        Close, ///< It is closed.
-        Reset, ///< It is closed at once, in a way that the client reads as a reset.
+        Open,  ///< The connection stays open.
+        Close, ///< The connection is closed.
+        Reset, ///< The connection is closed at once, so that the client sees a reset.
     };
 
     std::vector<Piece> pieces;
     End end = End::Open;
 
-    /// All pieces in a row.
+    /// All pieces joined.
     std::string bytes() const {
         std::string all;
         for (const Piece& piece : pieces) {

@@ -9,10 +9,11 @@ struct Request {
     enum class Command { GetAudioTs, SetAudioDelay };
 
     Command command = Command::GetAudioTs;
-    std::uint64_t delayMs = 0; ///< Of `SetAudioDelay`.
+    std::uint64_t delayMs = 0; ///< The margin in `SetAudioDelay`.
 };
 
-/// Reads a request without its end marker. False, with the reason in `error`, if it is none.
+/// Parses a request without its end marker. Returns false, with the reason in `error`, if
+/// it is invalid.
 bool parseRequest(const std::string& text, Request& request, std::string& error);
 
 } // namespace azubsim

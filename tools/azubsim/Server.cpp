@@ -12,16 +12,16 @@ namespace azubsim {
 
 namespace {
 
-// A request is some hundred bytes; a client that sends this many without an end is cut off.
+// A request has about a hundred bytes; a client with a longer unfinished one is disconnected.
 constexpr std::size_t maxRequestSize = 65536;
 
-// A client that does not take its answers is not asked for more requests.
+// No more requests are read from a client with more unwritten pieces than this.
 constexpr std::size_t maxQueuedPieces = 64;
 
-// What one client is sent before the others get their turn.
+// Most bytes written to one client before the other clients are served.
 constexpr std::size_t maxBytesInARow = 262144;
 
-// So long no client is accepted when there is no descriptor for one.
+// Pause after a failed accept, for example when the process is out of descriptors.
 constexpr std::chrono::milliseconds acceptPause{100};
 
 bool mustWait() {
@@ -57,7 +57,7 @@ void Server::run() {
             }
             ++ready;
         }
-        // A client that was accepted just now has not been polled.
+        // A client that was just accepted is not in `polled`.
         for (Client& client : _clients) {
             if (ready == polled.end()) {
                 break;
@@ -78,8 +78,8 @@ bool Server::isListening() const {
     return Clock::now() >= _listenAgain;
 }
 
-// Fills `polled` with the listener, then the watched descriptors, then the clients, and waits until
-// one is ready or a piece is due. A negative descriptor is not polled.
+// Fills `polled` with the listener, then the watched descriptors, then the clients. Waits until one
+// is ready, a piece is due or the accept pause ends. Negative descriptors are ignored.
 void Server::poll(std::vector<pollfd>& polled) {
     const Clock::time_point now = Clock::now();
     Clock::time_point wakeUp = Clock::time_point::max();
@@ -137,12 +137,11 @@ void Server::serve(Client& client, short events) {
 
 void Server::read(Client& client) {
     if (client.isClosing) {
-        // The client has gone before its answer.
+        // The client hung up before its answer was complete.
         client.isOver = true;
         return;
     }
-    // Bytes are looked at before they are taken: a socket that is closed with bytes untaken resets
-    // the connection.
+    // Only peek at first: to reset the connection, the socket is closed with unread bytes.
     char chunk[4096];
     const ssize_t n = recv(client.fd, chunk, sizeof(chunk), MSG_PEEK);
     if (n <= 0) {
@@ -174,7 +173,7 @@ void Server::enqueue(Client& client, Reply reply) {
     client.isClosing = reply.end == Reply::End::Close;
 }
 
-// Writes what is due, as far as the client takes it, but not so much that others have to wait.
+// Writes due pieces until the socket is full or the other clients must be served.
 void Server::write(Client& client) {
     std::size_t budget = maxBytesInARow;
     while (!client.out.empty() && client.due <= Clock::now() && budget > 0) {

@@ -13,23 +13,22 @@
 
 namespace azubsim {
 
-/// Serves many clients at once in one thread; none of them can hold up another.
+/// Serves many clients in one thread; no client can block another.
 class Server {
 public:
-    /// Called with the number of a client and a request of it, without its end marker.
+    /// Called with a client's number and its request without the end marker.
     using Handler = std::function<Reply(int client, const std::string& request)>;
 
-    /// Called when a descriptor is readable; false if it is to be left alone from now on.
+    /// Called when a descriptor is readable; returns false to stop watching it.
     using Watcher = std::function<bool()>;
 
-    /// `listener` is a listening socket, which stays the caller's.
+    /// `listener` is a listening socket; the caller still owns it.
     Server(int listener, Handler handler);
     ~Server();
 
     Server(const Server&) = delete;
     Server& operator=(const Server&) = delete;
 
-    /// Watches another descriptor as well.
     void watch(int descriptor, Watcher watcher);
 
     /// Serves until `stop` is called from a handler or a watcher.
@@ -44,9 +43,9 @@ private:
         int fd = -1;
         std::string in;
         std::deque<Reply::Piece> out;
-        std::size_t written = 0; ///< Of the first piece of `out`.
-        Clock::time_point due;   ///< When that piece is written.
-        bool isClosing = false;  ///< After `out` is written.
+        std::size_t written = 0; ///< Bytes of the first piece of `out`.
+        Clock::time_point due;   ///< When to write that piece.
+        bool isClosing = false;  ///< Close once `out` is written.
         bool isOver = false;
     };
 

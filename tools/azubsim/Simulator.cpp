@@ -8,7 +8,7 @@ namespace azubsim {
 
 namespace {
 
-// What is shown of a message at most: a flood must not flood the terminal.
+// A longer message is truncated: a flood must not fill the terminal.
 constexpr std::size_t shownBytes = 2000;
 
 void show(int client, const char* direction, const std::string& message) {

@@ -11,17 +11,17 @@
 
 namespace azubsim {
 
-/// Answers requests: as the engine would, as a recording did, or as a fault has it.
+/// Answers requests as the engine would, from a recording, or with a fault.
 class Simulator {
 public:
     AudioEngine engine;
     FaultPlan faults;
     std::size_t floodBytes = 0;
     Recorder recorder;
-    std::optional<Replay> replay; ///< If there is one, it answers everything.
-    bool isVerbose = false;       ///< Whether messages are shown on standard error.
+    std::optional<Replay> replay; ///< If set, it answers every request.
+    bool isVerbose = false;       ///< Print each message to standard error.
 
-    /// `request` goes without its end marker.
+    /// `request` has no end marker.
     Reply answer(int client, const std::string& request);
 
 private:

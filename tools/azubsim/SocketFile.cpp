@@ -15,7 +15,7 @@ int newSocket() {
     return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 }
 
-// Zero if somebody listens at the address, else why not.
+// Returns 0 if a process listens on the address, otherwise the errno of the attempt.
 int tryConnecting(const sockaddr_un& address) {
     const int fd = newSocket();
     const bool connected =
@@ -25,7 +25,7 @@ int tryConnecting(const sockaddr_un& address) {
     return error;
 }
 
-// Removes a dead socket; refuses anything else that stands in the way.
+// Removes a stale socket; fails if anything else is there.
 bool clearTheWay(const sockaddr_un& address, std::string& error) {
     struct stat status {};
     if (lstat(address.sun_path, &status) != 0) {
@@ -54,7 +54,7 @@ SocketFile::~SocketFile() {
         return;
     }
     close(_fd);
-    // Somebody may have put another file in its place.
+    // Keep a file that another process has put in its place.
     struct stat status {};
     if (lstat(_path.c_str(), &status) == 0 && status.st_dev == _identity.st_dev &&
         status.st_ino == _identity.st_ino) {

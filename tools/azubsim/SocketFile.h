@@ -6,7 +6,7 @@
 
 namespace azubsim {
 
-/// A listening Unix-domain socket and its file, which goes with it.
+/// A listening Unix-domain socket and its file. The destructor removes both.
 class SocketFile {
 public:
     SocketFile() = default;
@@ -15,8 +15,8 @@ public:
     SocketFile(const SocketFile&) = delete;
     SocketFile& operator=(const SocketFile&) = delete;
 
-    /// Listens at `path`, where there is nothing yet, or a socket that nobody listens at any more
-    /// and that is replaced. False, with the reason in `error`, if that cannot be.
+    /// Listens on `path`. A stale socket there is replaced; anything else there is an error.
+    /// Returns false, with the reason in `error`, if it fails.
     bool listen(const std::string& path, std::string& error);
 
     int descriptor() const { return _fd; }

@@ -7,7 +7,7 @@
 
 namespace azubsim {
 
-/// Reads a whole text as a decimal number.
+/// Parses the whole text as a decimal number.
 template <typename Number>
 bool parseNumber(const std::string& text, Number& number) {
     const char* const end = text.data() + text.size();
@@ -15,7 +15,7 @@ bool parseNumber(const std::string& text, Number& number) {
     return error == std::errc() && rest == end;
 }
 
-/// The first word of a line, and the rest of it; without the blanks around them.
+/// The first word of a line and the rest of the line, both without surrounding blanks.
 struct Words {
     explicit Words(const std::string& line) {
         const std::size_t start = line.find_first_not_of(' ');

@@ -16,7 +16,7 @@ namespace {
 
 using namespace azubsim;
 
-// Becomes readable when the process is asked to end.
+// Returns a descriptor that becomes readable on a termination signal.
 int endSignals() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -25,9 +25,9 @@ int endSignals() {
     sigaddset(&signals, SIGHUP);
     sigaddset(&signals, SIGQUIT);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
-    // In the background of a terminal standard input cannot be read, but must not stop the process.
+    // Reading from the terminal in the background must not stop the process,
     std::signal(SIGTTIN, SIG_IGN);
-    // Nor must a reader of the output that goes away.
+    // and writing to a closed pipe must not kill it.
     std::signal(SIGPIPE, SIG_IGN);
     return signalfd(-1, &signals, SFD_CLOEXEC);
 }

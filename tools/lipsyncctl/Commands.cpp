@@ -62,7 +62,7 @@ int setMargin(Service& service, const Options& options, Output& output) {
     const Service::Result result = service.setAudioDelayMargin(options.marginMs);
     if (result.isFailure()) {
         fail(result);
-        // The engine was not even asked for a margin that it cannot have.
+        // The library rejected the margin without asking the engine: wrong usage.
         return result.code == Service::ResultCode::InvalidParam ? exitUsage : EXIT_FAILURE;
     }
     output.print({{"margin_ms", options.marginMs}},
@@ -81,7 +81,7 @@ int printTimestamps(const Service& service, Output& output) {
     return EXIT_SUCCESS;
 }
 
-// The smallest of the sorted values that at least this share of them do not exceed.
+// The smallest value such that at least this share of the values are not larger.
 double percentile(const std::vector<double>& sorted, double share) {
     const auto rank =
         static_cast<std::size_t>(share * static_cast<double>(sorted.size()) + 0.999999);
@@ -98,7 +98,7 @@ int ping(const Service& service, const Options& options, Output& output) {
         const Service::Result result = service.getAudioTimestamps(timestamps);
         const std::chrono::duration<double, std::milli> time =
             std::chrono::steady_clock::now() - start;
-        // An engine that refuses has answered.
+        // An error from the engine is an answer too.
         if (result.code == Service::ResultCode::TransportError) {
             return fail(result);
         }

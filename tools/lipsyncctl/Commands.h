@@ -4,8 +4,8 @@
 
 namespace lipsyncctl {
 
-/// Carries out what the options ask for. Returns the exit status: 0; 1 if the engine or the
-/// connection failed, 2 for a margin that no engine takes, which is then said on standard error.
+/// Runs the command. Returns the exit status: 0 for success, 1 if the engine or the connection
+/// failed, 2 for an invalid margin. Errors are printed to standard error.
 int runCommand(const Options& options);
 
 } // namespace lipsyncctl

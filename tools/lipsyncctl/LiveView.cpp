@@ -20,7 +20,7 @@ constexpr int failureLines = 4;
 constexpr int stripSeconds = 60;
 constexpr double jitterScaleMs = 200;
 
-// A bar of so many cells, of which a share is filled.
+// Draws a bar that is filled to this share.
 void drawBar(int cells, double share) {
     const int filled = static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * cells));
     addch('[');
@@ -115,7 +115,7 @@ void LiveView::draw() const {
     clrtoeol();
     mvaddnstr(LINES - 1, 0, "q or Ctrl-C ends", COLS - 1);
     if (!_failure.empty()) {
-        // The whole of it, over as many lines as it takes.
+        // On several lines if necessary.
         mvaddnstr(std::max(2, LINES - failureLines), 0, _failure.c_str(), COLS * failureLines - 1);
     }
     ::refresh();
@@ -159,8 +159,8 @@ void LiveView::drawTimestamps() const {
     printw(" %.0f", jitterScaleMs);
 }
 
-// Latency of the last minute: a column a second, which shows the largest one of it, the present
-// second at the right.
+// Draws the latency of the last minute: one column per second with its maximum, the current second
+// on the right.
 void LiveView::drawStrip() const {
     constexpr int top = stripTop;
     double largest = 0;

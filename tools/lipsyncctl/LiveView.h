@@ -7,11 +7,11 @@
 
 namespace lipsyncctl {
 
-/// Takes over the terminal and shows the timestamps, redrawn in place. While it lives, standard
-/// error is kept off a terminal that it would spoil.
+/// Shows the timestamps full-screen on the terminal. While it is open, standard error is discarded
+/// if it is a terminal: its lines would overwrite the view.
 class LiveView {
 public:
-    /// Whether standard output is a terminal of a known kind.
+    /// Whether standard output is a terminal of a known type.
     static bool isPossible();
 
     explicit LiveView(const std::string& socket);
@@ -23,11 +23,11 @@ public:
     void show(const Reading& reading);
     void showFailure(const std::string& failure);
 
-    /// Draws anew after the terminal was resized, and says how old the last reading is. False if
-    /// the user wants to leave.
+    /// Redraws, in case the terminal was resized, and updates the age of the last reading. Returns
+    /// false if the user wants to quit.
     bool refresh();
 
-    /// Gives the terminal back.
+    /// Restores the terminal and standard error.
     void close();
 
 private:

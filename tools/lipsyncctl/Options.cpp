@@ -12,7 +12,7 @@ namespace lipsyncctl {
 
 namespace {
 
-// The parser would take 020 for 16 and -20 for a very large number.
+// The option parser would read 020 as 16 and -20 as a very large number.
 std::string isDecimal(const std::string& text) {
     const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos &&
                           (text == "0" || text[0] != '0') && text.size() <= 9;

@@ -20,15 +20,15 @@ struct Options {
     unsigned long marginMs = 0;
     bool watch = false;
     unsigned int intervalMs = 1000;
-    unsigned int count = 0; ///< Readings or exchanges; for readings 0 means without end.
+    unsigned int count = 0; ///< Readings (0: no limit) or exchanges (0: the default).
     unsigned long capture = 0;
     unsigned long rendering = 0;
 };
 
-/// Declares the options and commands, and with them what the help and the manual page say.
+/// Declares the options and commands. Help and manual page are generated from them.
 void declareOptions(CLI::App& app, Options& options);
 
-/// Reads the command line. Returns the exit status if the program has to end.
+/// Parses the command line. Returns the exit status if the program must exit.
 std::optional<int> readOptions(int argc, char** argv, Options& options);
 
 } // namespace lipsyncctl

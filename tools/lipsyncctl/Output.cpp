@@ -13,7 +13,7 @@ void Output::print(const Record& record, const std::string& text) {
     std::cout.flush();
 }
 
-// The values are numbers and plain words: nothing has to be quoted.
+// The values are numbers and plain words, so no quoting is needed.
 void Output::printCsv(const Record& record) {
     std::string header;
     std::string row;

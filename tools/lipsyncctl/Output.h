@@ -7,13 +7,13 @@
 
 namespace lipsyncctl {
 
-/// Prints results on standard output, a line each.
+/// Prints results to standard output, one line each.
 class Output {
 public:
     explicit Output(Format format) : _format(format) {}
 
-    /// `text` is for people, the record for programs. All records of one output have the same
-    /// keys, which are the columns of CSV.
+    /// `text` is for people, `record` for programs. All records of one output have the same keys,
+    /// because they are the columns of the CSV.
     void print(const Record& record, const std::string& text);
 
 private:

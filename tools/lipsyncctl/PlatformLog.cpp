@@ -1,5 +1,5 @@
-// The library writes its log lines to standard error and to the platform's log. On Linux that log
-// writes them to standard error once more; here it is replaced by one that drops them.
+// The library logs to standard error and to the platform's log. On Linux the platform's log also
+// writes to standard error; this replacement drops those duplicates.
 
 #ifndef __ANDROID__
 

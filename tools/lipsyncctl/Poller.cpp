@@ -12,7 +12,7 @@ namespace {
 constexpr std::chrono::milliseconds reconnectPause{300};
 constexpr std::chrono::milliseconds stopPatience{300};
 
-// Events that nobody fetches are dropped, the oldest first.
+// Beyond this number the oldest unread events are dropped.
 constexpr std::size_t maxEvents = 1000;
 
 const std::string waiting = "Waiting for the engine: ";
@@ -66,7 +66,6 @@ void Poller::poll() {
     }
 }
 
-// Connects first, if need be.
 Poller::Event Poller::readOnce(Service& service, bool& isConnected) const {
     if (!isConnected) {
         const Service::Result connected = service.connect(_socket);
@@ -98,7 +97,7 @@ void Poller::report(Event event) {
     _changed.notify_all();
 }
 
-// False when the thread is to end.
+// Returns false if the thread must stop.
 bool Poller::pause(std::chrono::nanoseconds time) {
     std::unique_lock<std::mutex> lock(_mutex);
     return !_changed.wait_for(lock, time, [this] { return _isStopping; });

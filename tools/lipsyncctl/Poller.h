@@ -13,14 +13,14 @@
 
 namespace lipsyncctl {
 
-/// Reads timestamps again and again in a thread of its own, because an engine that stays silent
-/// blocks a reader for ever. Connects, and connects again when the engine comes back.
+/// Polls the timestamps in a separate thread, because a silent engine blocks its caller. Connects,
+/// and retries until the engine comes back.
 class Poller {
 public:
     /// A reading, or why there is none.
     struct Event {
         std::optional<Reading> reading;
-        std::string failure; ///< In words for the user.
+        std::string failure; ///< Text for the user.
     };
 
     Poller(std::string socket, std::chrono::milliseconds interval);
@@ -29,11 +29,11 @@ public:
     Poller(const Poller&) = delete;
     Poller& operator=(const Poller&) = delete;
 
-    /// The next event, if there is one within this time.
+    /// Waits for the next event; returns nothing after the timeout.
     std::optional<Event> next(std::chrono::milliseconds timeout);
 
-    /// Ends the thread. False if it cannot be ended, because it waits for an engine that is
-    /// silent: then the process has to end without it.
+    /// Stops the thread. Returns false if a silent engine blocks it: then the process must exit
+    /// without joining it.
     bool stop();
 
 private:

@@ -40,7 +40,7 @@ std::string timeOfDay(double seconds) {
 double Reading::latencyMs() const {
     const auto difference =
         static_cast<long>(timestamps.audioRenderingTimestamp - timestamps.audioCaptureTimestamp);
-    // To the microsecond: the fractions of a second that NTP counts in are not decimal.
+    // Rounded to microseconds: NTP fractions are binary and would print many digits.
     return std::round(static_cast<double>(difference) * 1e6 / ntpUnitsPerSecond) / 1000;
 }
 

@@ -7,7 +7,7 @@
 
 namespace lipsyncctl {
 
-/// An object that keeps its keys in order.
+/// A JSON object that keeps the order of its keys.
 using Record = nlohmann::ordered_json;
 
 /// The engine's timestamps, and when they were read.
@@ -15,12 +15,12 @@ struct Reading {
     double time = 0; ///< Seconds since 1970.
     velta::zub::common::LipSyncNtpTimestamps timestamps;
 
-    /// From capture to rendering; ms.
+    /// The time from capture to rendering; ms.
     double latencyMs() const;
 
     Record record() const;
 
-    /// In one line.
+    /// One line for people.
     std::string text() const;
 };
 

@@ -22,7 +22,7 @@ void interrupt(int) {
     isInterrupted = 1;
 }
 
-// Counts readings up to the end that the options set.
+// Counts readings down; 0 means no limit.
 class Countdown {
 public:
     explicit Countdown(unsigned int count) : _left(count), _isEndless(count == 0) {}
@@ -34,7 +34,7 @@ private:
     bool _isEndless;
 };
 
-// Both end the process where the poller cannot be ended: it waits for an engine that is silent.
+// Both exit the process if a silent engine keeps the poller from stopping.
 
 void watchOnTerminal(const Options& options) {
     LiveView view(options.socket);
@@ -52,7 +52,7 @@ void watchOnTerminal(const Options& options) {
             view.showFailure(event->failure);
         }
     }
-    // The view still keeps the last log line off the terminal.
+    // Stop before closing the view, which keeps the last log line off the terminal.
     const bool hasStopped = poller.stop();
     view.close();
     if (!hasStopped) {
@@ -87,8 +87,8 @@ void watchInLines(const Options& options) {
 } // namespace
 
 void watchTimestamps(const Options& options) {
-    // Without restarting a call that waits, for an output that nobody reads for example. A second
-    // signal ends the process at once.
+    // No SA_RESTART: a signal interrupts blocking calls, for example a write to a full pipe.
+    // SA_RESETHAND: a second signal ends the process at once.
     struct sigaction action {};
     action.sa_handler = interrupt;
     action.sa_flags = static_cast<int>(SA_RESETHAND);

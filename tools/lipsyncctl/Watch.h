@@ -4,8 +4,8 @@
 
 namespace lipsyncctl {
 
-/// Reads timestamps until an interrupt, or as many as the options say: in a live view if standard
-/// output is a terminal and the format is text, else a line each.
+/// Reads timestamps until interrupted or until the count in the options is reached. Shows a live
+/// view if standard output is a terminal and the format is text, otherwise prints one line each.
 void watchTimestamps(const Options& options);
 
 } // namespace lipsyncctl

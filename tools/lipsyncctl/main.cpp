@@ -10,7 +10,7 @@
 
 namespace {
 
-// A socket must not get the number of a standard descriptor that the caller has closed.
+// A socket must not get the number of a closed standard descriptor.
 void openStandardDescriptors() {
     for (int fd = 0; fd <= 2; ++fd) {
         if (fcntl(fd, F_GETFD) < 0) {
@@ -24,7 +24,7 @@ void openStandardDescriptors() {
 int main(int argc, char** argv) {
     openStandardDescriptors();
     std::setlocale(LC_CTYPE, "");
-    // An engine that goes away must not take this process with it.
+    // Writing to an engine that hung up must not kill this process.
     std::signal(SIGPIPE, SIG_IGN);
     lipsyncctl::Options options;
     if (const auto status = lipsyncctl::readOptions(argc, argv, options)) {

@@ -9,9 +9,9 @@ class App;
 
 namespace manual {
 
-/// Reads a command line into what the program has declared. `check` throws a `CLI::ParseError` for
-/// what the parser is not to complain of before it has named a wrong word. Returns the exit status
-/// if the program has to end, having printed its help or what is wrong.
+/// Parses the command line with the declarations in `app`, then calls `check`, which throws a
+/// `CLI::ParseError` for a missing option or an invalid value; an unknown argument is reported
+/// first. Prints the help or the error and returns the exit status if the program must exit.
 std::optional<int> readCommandLine(CLI::App& app, int argc, char** argv,
                                    const std::function<void()>& check);
 

@@ -5,19 +5,19 @@
 
 namespace manual {
 
-/// The value that an option takes as it is shown to users: its name alone.
+/// The placeholder for an option's value, without the checks that the parser appends to it.
 inline std::string valueName(const CLI::Option& option) {
     const std::string type = option.get_type_name();
     return type.substr(0, type.find(':'));
 }
 
-/// What an option does, and what it is if it is not given.
+/// An option's description, with its default if there is one.
 inline std::string describe(const CLI::Option& option) {
     const std::string standard = option.get_default_str();
     return option.get_description() + (standard.empty() ? "" : " (" + standard + ")");
 }
 
-/// Breaks text into lines of at most `width` characters, where a word allows it.
+/// Wraps text at `width` characters; longer words are not broken.
 std::string wrapped(const std::string& text, std::size_t width);
 
 /// Help that fits a terminal of 80 columns.

@@ -13,7 +13,7 @@ namespace {
 
 using Visitor = std::function<void(const CLI::App& command, const std::string& path)>;
 
-// Escapes what roff would take for its own.
+// Escapes the characters that roff would interpret.
 std::string roff(const std::string& text) {
     std::string escaped;
     for (const char c : text) {
@@ -34,7 +34,7 @@ std::vector<const CLI::App*> commandsOf(const CLI::App& app) {
     return app.get_subcommands([](const CLI::App*) { return true; });
 }
 
-// Every command and the commands in it, each with its words.
+// Visits every command and its subcommands with their full names, for example "margin set".
 void visit(const CLI::App& app, const std::string& path, const Visitor& visitor) {
     for (const CLI::App* const command : commandsOf(app)) {
         const std::string words = path + command->get_name();
@@ -46,7 +46,7 @@ void visit(const CLI::App& app, const std::string& path, const Visitor& visitor)
 std::string optionList(const CLI::App& app) {
     std::string list;
     for (const CLI::Option* const option : app.get_options()) {
-        // Every command has this one; it is listed once.
+        // Every command has --help; list it once.
         if (option == app.get_help_ptr() && app.get_parent() != nullptr) {
             continue;
         }
@@ -91,7 +91,7 @@ std::string optionNames(const CLI::App& app) {
     return names;
 }
 
-// A line of a bash `case` on the word before: what can follow an option that takes a value.
+// Lines of a bash `case` on the previous word: the completions of each option that takes a value.
 std::string valueCases(const CLI::App& app) {
     std::string cases;
     for (const CLI::Option* const option : app.get_options()) {
@@ -116,7 +116,7 @@ std::string valueCases(const CLI::App& app) {
     return cases;
 }
 
-// The options that take a value, as a pattern of bash.
+// The options that take a value, as a bash pattern.
 std::string valueOptions(const CLI::App& app) {
     std::string pattern;
     const auto add = [&](const CLI::App& command, const std::string&) {

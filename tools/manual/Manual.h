@@ -8,10 +8,10 @@ class App;
 
 namespace manual {
 
-/// The manual page of a program, from what its help is made of.
+/// The manual page of a program, generated from its options and commands.
 std::string manualPage(const CLI::App& app);
 
-/// A script that completes a program's commands and options in bash, from the same source.
+/// Its bash completion script.
 std::string bashCompletion(const CLI::App& app);
 
 } // namespace manual
