@@ -82,7 +82,7 @@ TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
         const std::string expected = cells[2];
         const Engine engine(socket, {"--fault", cells[1], "--flood-limit", "100000"});
         Process reader({LIPSYNCCTL, "timestamps", "--socket", socket});
-        if (expected == "waits") {
+        if (expected == "blocks") {
             reader.readUntil("Client is connecting");
             std::this_thread::sleep_for(std::chrono::milliseconds(300));
             reader.signal(SIGKILL);
