@@ -156,7 +156,8 @@ private:
 
     bool conclude() const {
         if (_steered.count() == 0) {
-            std::printf("\nNo picture was steered.\n");
+            std::printf(
+                "\nNo picture was steered: that needs a second of readings without a failure.\n");
             return false;
         }
         std::printf(
@@ -183,8 +184,10 @@ private:
 void printUsage(std::FILE* stream) {
     std::fprintf(stream,
                  "Usage: video_pipeline [--socket PATH] [--seconds N]\n"
-                 "Steers the lip sync of a call for N seconds (10), 2 to 86400.\n"
-                 "Exits with 0 if the skew stayed inside the window, else with 1.\n");
+                 "Steers the lip sync of a simulated video for N seconds: 2 to 86400, default 10.\n"
+                 "Exit status: 0 if the skew stayed inside %.0f to %.0f ms, 1 if not, 2 for wrong\n"
+                 "usage.\n",
+                 audioEarlyLimitMs, audioLateLimitMs);
 }
 
 } // namespace
@@ -203,6 +206,8 @@ int main(int argc, char** argv) {
             case 'n':
                 seconds = std::strtol(optarg, &rest, 10);
                 if (*rest != '\0' || seconds < 2 || seconds > 86400) {
+                    std::fprintf(stderr, "video_pipeline: --seconds must be 2 to 86400, not '%s'\n",
+                                 optarg);
                     printUsage(stderr);
                     return exitUsage;
                 }
@@ -212,6 +217,7 @@ int main(int argc, char** argv) {
         }
     }
     if (optind != argc) {
+        std::fprintf(stderr, "video_pipeline: unexpected argument '%s'\n", argv[optind]);
         printUsage(stderr);
         return exitUsage;
     }

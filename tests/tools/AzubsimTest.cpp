@@ -30,12 +30,12 @@ TEST_F(Azubsim, ReplacesADeadSocketAndNothingElse) {
     { const Engine killed(socket); }
     {
         const Engine live(socket);
-        expectFailure(AZUBSIM, at, 1, cannot + ": an engine listens there already\n");
+        expectFailure(AZUBSIM, at, 1, cannot + ": an engine is already listening there\n");
         run(LIPSYNCCTL, "timestamps" + at);
     }
     std::filesystem::remove(socket);
     std::ofstream(socket) << "precious";
-    expectFailure(AZUBSIM, at, 1, cannot + ": it exists and is no socket\n");
+    expectFailure(AZUBSIM, at, 1, cannot + ": it exists and is not a socket\n");
     EXPECT_EQ(std::filesystem::file_size(socket), 8U);
 }
 
@@ -46,12 +46,14 @@ TEST_F(Azubsim, RefusesBadOptions) {
     const std::string longPath(200, 'x');
     expectFailure(AZUBSIM, "", 2, "--socket is required");
     expectFailure(AZUBSIM, "--nonsense" + at, 2, "The following argument");
-    expectFailure(AZUBSIM, "--fault nonsense" + at, 2, "--fault: there is no fault 'nonsense'");
+    expectFailure(AZUBSIM, "--fault nonsense" + at, 2, "--fault: unknown fault 'nonsense'");
+    expectFailure(AZUBSIM, "--fault delay" + at, 2,
+                  "--fault: fault 'delay' needs an argument: MS\n");
     expectFailure(AZUBSIM, "--socket " + longPath, 1,
-                  cannot + longPath + ": a socket's path has 1 to 107 characters\n");
+                  cannot + longPath + ": a socket path must have 1 to 107 bytes\n");
     expectFailure(AZUBSIM, "--socket " + file + "/x", 1, cannot + file + "/x: Not a directory\n");
     expectFailure(AZUBSIM, "--replay " + file + at, 1,
-                  "azubsim: cannot replay " + file + ": line 1 is no recorded exchange\n");
+                  "azubsim: cannot replay " + file + ": line 1 is not a recorded exchange\n");
     EXPECT_FALSE(std::filesystem::exists(socket));
 }
 
@@ -66,7 +68,7 @@ TEST_F(Azubsim, HangsUpOnABadRequest) {
     std::size_t bytesRead = 0;
     EXPECT_EQ(link->read(&byte, 1, bytesRead).code, Link::ResultCode::ClosedByDistant);
     EXPECT_EQ(engine.readUntil("\n"),
-              "azubsim: closing a connection: bad request: version is not '0.1.0'\n");
+              "azubsim: bad request, connection closed: version is '0.2.0', expected '0.1.0'\n");
 }
 
 TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
@@ -133,7 +135,7 @@ TEST_F(Azubsim, ChangesByLinesOnStandardInput) {
     EXPECT_PRED_FORMAT2(IsSubstring, "(Code 7)", seenAfter("fault nonsense", 1));
     EXPECT_PRED_FORMAT2(IsSubstring, "latency", seenAfter("fault none", 0));
     engine.write("nonsense\nquit\n");
-    EXPECT_EQ(engine.readAll(), "not understood: nonsense (try help)\n");
+    EXPECT_EQ(engine.readAll(), "invalid command: nonsense (try help)\n");
 }
 
 TEST_F(Azubsim, AFaultOfOneClientDoesNotHoldUpAnother) {

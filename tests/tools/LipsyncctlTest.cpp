@@ -67,7 +67,7 @@ TEST_F(Lipsyncctl, FailsWithAStatusAndTheReason) {
     fails("capabilities", 1, "lipsyncctl: cannot write to standard output\n");
     fails("margin", 2, "A command is required");
     fails("margin set", 2, "MS is required");
-    fails("margin set 020", 2, "MS: 020 is no decimal number");
+    fails("margin set 020", 2, "MS: 020 is not a decimal number");
     fails("margin get margin set 40", 2, "The following argument");
     fails("ping timestamps", 2, "The following argument");
     fails("ping --count 4000000000", 2, "--count");
@@ -85,7 +85,8 @@ TEST_F(Lipsyncctl, WatchesAnEngineThatGoesAwayComesBackAndFallsSilent) {
     engine = std::make_unique<Engine>(socket);
     watch.readUntil("  latency ");
     engine->write("call off\n");
-    watch.readUntil("lipsyncctl: The engine refuses: The AZUB is not performing a call");
+    watch.readUntil(
+        "lipsyncctl: The engine refused the request: The AZUB is not performing a call");
     engine->write("fault silence\nverbose on\n");
     engine->readUntil("client");
     // Now it waits for an answer.

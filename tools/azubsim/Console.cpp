@@ -79,7 +79,7 @@ std::string Console::execute(const std::string& line) {
     } else if (name == "quit") {
         _wantsToQuit = true;
     } else {
-        return "not understood: " + line + " (try help)\n";
+        return "invalid command: " + line + " (try help)\n";
     }
     return "";
 }

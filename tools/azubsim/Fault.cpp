@@ -12,16 +12,14 @@ using Kind = Fault::Kind;
 
 constexpr int maxDelayMs = 3600000;
 
-// The elements that an answer has.
+// What the fault "missing" can leave out.
+constexpr const char* elementNames =
+    "LipSyncNtpTimestamps capture_timestamp rendering_timestamp receiving_timestamp "
+    "jitter_buffer_depth Result ErrorCode Message";
+
 bool isElement(const std::string& name) {
-    for (const char* const known :
-         {"LipSyncNtpTimestamps", "capture_timestamp", "rendering_timestamp", "receiving_timestamp",
-          "jitter_buffer_depth", "Result", "ErrorCode", "Message"}) {
-        if (name == known) {
-            return true;
-        }
-    }
-    return false;
+    const std::string names = std::string(" ") + elementNames + ' ';
+    return name.find(' ') == std::string::npos && names.find(' ' + name + ' ') != std::string::npos;
 }
 
 void remove(Element& element, const std::string& name) {
@@ -57,21 +55,21 @@ std::vector<Reply::Piece> split(const std::string& bytes) {
 
 const std::vector<Fault::Description>& Fault::descriptions() {
     static const std::vector<Description> all{
-        {Kind::Error, "error", "CODE [MESSAGE]", "the engine's verdict is this code and message"},
-        {Kind::Version, "version", "TEXT", "the document has another version"},
-        {Kind::Element, "element", "NAME", "the command element has another name"},
-        {Kind::Missing, "missing", "NAME", "every element of this name is left out"},
-        {Kind::Number, "number", "TEXT", "every number is this text"},
-        {Kind::Cut, "cut", "", "the document ends in its middle; the end marker follows"},
-        {Kind::CloseBefore, "close-before", "", "the connection is closed without an answer"},
-        {Kind::CloseMiddle, "close-middle", "", "it is closed in the middle of the answer"},
-        {Kind::Split, "split", "", "every byte comes in a write of its own"},
-        {Kind::Double, "double", "", "the answer comes twice in one write"},
-        {Kind::Zero, "zero", "", "a zero byte stands in the middle of the answer"},
-        {Kind::Silence, "silence", "", "nothing is answered, the connection stays open"},
-        {Kind::Delay, "delay", "MS", "the answer comes so many milliseconds later"},
-        {Kind::Flood, "flood", "", "bytes without an end marker; then the connection is closed"},
-        {Kind::Reset, "reset", "", "the connection is reset"},
+        {Kind::Error, "error", "CODE [MESSAGE]", "answer with this error code and message"},
+        {Kind::Version, "version", "TEXT", "set the version of the document to TEXT"},
+        {Kind::Element, "element", "NAME", "rename the command element to NAME"},
+        {Kind::Missing, "missing", "NAME", "leave out every element called NAME"},
+        {Kind::Number, "number", "TEXT", "replace every number with TEXT"},
+        {Kind::Cut, "cut", "", "send half of the document, then the end marker"},
+        {Kind::CloseBefore, "close-before", "", "close the connection without an answer"},
+        {Kind::CloseMiddle, "close-middle", "", "close the connection after half of the document"},
+        {Kind::Split, "split", "", "send each byte in a separate write"},
+        {Kind::Double, "double", "", "send the answer twice in one write"},
+        {Kind::Zero, "zero", "", "insert a zero byte in the middle of the document"},
+        {Kind::Silence, "silence", "", "send no answer and keep the connection open"},
+        {Kind::Delay, "delay", "MS", "send the answer MS milliseconds late"},
+        {Kind::Flood, "flood", "", "send bytes without an end marker, then close"},
+        {Kind::Reset, "reset", "", "reset the connection"},
     };
     return all;
 }
@@ -86,15 +84,16 @@ bool Fault::parse(const std::string& text, Fault& fault, std::string& error) {
         }
         const bool takesArgument = *description.argument != '\0';
         if (takesArgument == argument.empty()) {
-            error = "fault '" + name + "' takes " +
-                    (takesArgument ? description.argument : "no argument");
+            error = "fault '" + name + "' " +
+                    (takesArgument ? std::string("needs an argument: ") + description.argument
+                                   : "takes no argument, but got '" + argument + "'");
             return false;
         }
         fault._kind = description.kind;
         fault._text = text;
         return fault.setArgument(argument, error);
     }
-    error = "there is no fault '" + name + "'";
+    error = "unknown fault '" + name + "'";
     return false;
 }
 
@@ -103,14 +102,15 @@ bool Fault::setArgument(const std::string& argument, std::string& error) {
     if (_kind == Kind::Error) {
         const Words words(argument);
         _argument = words.rest;
-        error = "an error code is a decimal number of 32 bits";
+        error = "error code '" + words.first + "' is not a signed 32-bit decimal number";
         return parseNumber(words.first, _number);
     }
     if (_kind == Kind::Delay) {
-        error = "a delay is 0 to " + std::to_string(maxDelayMs) + " ms";
+        error = "delay '" + argument + "' is not a number of ms from 0 to " +
+                std::to_string(maxDelayMs);
         return parseNumber(argument, _number) && _number >= 0 && _number <= maxDelayMs;
     }
-    error = "no answer has an element '" + argument + "'";
+    error = "unknown element '" + argument + "'; answers have " + elementNames;
     return _kind != Kind::Missing || isElement(argument);
 }
 

@@ -17,14 +17,15 @@ std::string faultTable() {
 }
 
 std::string commandTable() {
-    return "  call on|off           be in a call, or in none: then every verdict is 1003\n"
-           "  fault FAULT           spoil answers so, in place of the faults before\n"
-           "  fault none            spoil no answer\n"
-           "  every N               spoil one answer in N\n"
-           "  seed S, seed none     choose answers and faults at random, repeatably, or in turn\n"
-           "  verbose on|off        show each message\n"
-           "  status                show these settings\n"
-           "  quit                  end\n";
+    return "  call on|off           start or end the call; outside a call requests get 1003\n"
+           "  fault FAULT           apply this fault instead of all previous ones\n"
+           "  fault none            apply no fault\n"
+           "  every N               apply a fault to one answer in N\n"
+           "  seed S                choose answers and faults at random, repeatably\n"
+           "  seed none             let the faults take turns again\n"
+           "  verbose on|off        print each message to standard error\n"
+           "  status                print these settings\n"
+           "  quit                  exit\n";
 }
 
 } // namespace azubsim

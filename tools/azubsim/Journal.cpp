@@ -62,7 +62,7 @@ void Recorder::add(int client, const std::string& request, const Reply& reply,
     // Requests can contain invalid UTF-8.
     _file << object.dump(-1, ' ', true, json::error_handler_t::replace) << std::endl;
     if (!_file.good()) {
-        std::cerr << "azubsim: the record cannot be written, and ends here" << std::endl;
+        std::cerr << "azubsim: cannot write the recording; it ends here" << std::endl;
         _file.close();
     }
 }
@@ -70,19 +70,19 @@ void Recorder::add(int client, const std::string& request, const Reply& reply,
 bool Replay::open(const std::string& path, std::string& error) {
     std::ifstream file(path);
     if (!file.is_open()) {
-        error = "cannot be read";
+        error = "the file cannot be opened";
         return false;
     }
     std::string line;
     while (std::getline(file, line)) {
         Reply reply;
         if (!parseReply(line, reply)) {
-            error = "line " + std::to_string(_replies.size() + 1) + " is no recorded exchange";
+            error = "line " + std::to_string(_replies.size() + 1) + " is not a recorded exchange";
             return false;
         }
         _replies.push_back(reply);
     }
-    error = "it holds no exchange";
+    error = "it contains no exchanges";
     return !_replies.empty();
 }
 

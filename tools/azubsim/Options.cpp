@@ -26,25 +26,26 @@ void declareOptions(CLI::App& app, Options& options) {
     app.name("azubsim");
     app.formatter(std::make_shared<manual::HelpFormatter>());
     app.description(
-        "A stand-in for the audio engine: answers lip-sync requests on a Unix-domain socket, with "
-        "believable timestamps or with any fault, until it is interrupted. Lines on standard input "
-        "change it while it runs; \"help\" lists them.");
+        "Simulates the audio engine: answers lip-sync requests on a Unix-domain socket, with "
+        "plausible timestamps or with faults, until it is interrupted. Commands on standard input "
+        "change its settings while it runs; \"help\" lists them.");
     app.add_option("--socket", options.socket,
-                   "Path to listen at; nothing may be there but a socket that nobody uses any "
-                   "more, which is replaced; required")
+                   "Socket path to listen on (required). A stale socket is replaced; anything "
+                   "else there is an error")
         ->type_name("PATH");
     app.add_flag("--no-call", options.noCall,
-                 "Be in no call: the verdict on every request is 1003");
+                 "Start outside a call: every request gets error code 1003");
     app.add_option("--fault", options.faultTexts,
-                   "Spoil answers so; may be given several times, and the faults take turns")
+                   "Apply this fault to answers. Several faults (repeat the option) take turns")
         ->type_name("FAULT")
         ->expected(1)
         ->take_all();
-    app.add_option("--every", options.every, "Spoil one answer in N, and not every one")
+    app.add_option("--every", options.every,
+                   "Apply a fault to one answer in N instead of every answer")
         ->type_name("N")
         ->check(CLI::Range(1, 1000000000));
     app.add_option("--seed", options.seed,
-                   "Choose answers and faults at random, the same ones each time for the same seed")
+                   "Choose answers and faults at random; the same seed repeats the same choices")
         ->type_name("S");
     app.add_option("--flood-limit", options.floodBytes,
                    "Bytes that the fault \"flood\" sends before it closes the connection")
@@ -53,18 +54,18 @@ void declareOptions(CLI::App& app, Options& options) {
         ->capture_default_str();
     CLI::Option* const record =
         app.add_option("--record", options.recordFile,
-                       "Write each exchange to this file, one JSON object a line: time, client, "
-                       "request, answer, end, fault; delays are not kept")
+                       "Write each exchange to this file, one JSON object per line: time, client, "
+                       "request, answer, end, fault. Delays are not recorded")
             ->type_name("FILE");
     app.add_option("--replay", options.replayFile,
-                   "Give the answers of a recorded file, in their order and whatever is asked; "
-                   "then close connections")
+                   "Send the answers of a recorded file in order, whatever the request. After "
+                   "the last one, close the connection on each request")
         ->type_name("FILE")
         ->excludes(record);
-    app.add_flag("--verbose", options.isVerbose, "Show each message on standard error");
-    app.footer("Faults:\n" + faultTable() + "\nLines on standard input:\n" + commandTable() +
-               "\nExit status: 0 after an interrupt or \"quit\", 1 if it cannot listen or use\na "
-               "file, 2 for wrong usage.\n"
+    app.add_flag("--verbose", options.isVerbose, "Print each message to standard error");
+    app.footer("Faults:\n" + faultTable() + "\nCommands on standard input:\n" + commandTable() +
+               "\nExit status: 0 after a termination signal or \"quit\", 1 if the socket or a\n"
+               "file cannot be used, 2 for wrong usage.\n"
                "\nExamples:\n"
                "  azubsim --socket /tmp/engine\n"
                "  azubsim --socket /tmp/engine --fault 'error 1002 no such margin'\n"

@@ -19,7 +19,7 @@ bool parseCommand(const pugi::xml_node& element, Request& request, std::string& 
     if (name == "SetAudioDelay_Request") {
         request.command = Request::Command::SetAudioDelay;
         if (!parseNumber(element.child_value(), request.delayMs)) {
-            error = "delay is no decimal number";
+            error = std::string("margin '") + element.child_value() + "' is not a decimal number";
             return false;
         }
         return true;
@@ -39,16 +39,17 @@ bool parseRequest(const std::string& text, Request& request, std::string& error)
     }
     const pugi::xml_node root = document.document_element();
     if (std::strcmp(root.name(), "AZUB") != 0) {
-        error = "root element is not 'AZUB'";
+        error = std::string("root element is '") + root.name() + "', expected 'AZUB'";
         return false;
     }
-    if (std::strcmp(root.attribute("version").value(), "0.1.0") != 0) {
-        error = "version is not '0.1.0'";
+    const std::string_view version = root.attribute("version").value();
+    if (version != "0.1.0") {
+        error = "version is '" + std::string(version) + "', expected '0.1.0'";
         return false;
     }
     const pugi::xml_node command = root.first_child();
     if (command.type() != pugi::node_element || command.next_sibling()) {
-        error = "root element does not hold one command";
+        error = "root element does not contain exactly one command";
         return false;
     }
     return parseCommand(command, request, error);

@@ -43,7 +43,7 @@ Reply Simulator::answerAsEngine(const std::string& request, const Fault* fault) 
     Request parsed;
     std::string error;
     if (!parseRequest(request, parsed, error)) {
-        std::cerr << "azubsim: closing a connection: bad request: " << error << std::endl;
+        std::cerr << "azubsim: bad request, connection closed: " << error << std::endl;
         return {{}, Reply::End::Close};
     }
     const bool isDelay = parsed.command == Request::Command::SetAudioDelay;

@@ -32,12 +32,12 @@ bool clearTheWay(const sockaddr_un& address, std::string& error) {
         return true;
     }
     if (!S_ISSOCK(status.st_mode)) {
-        error = "it exists and is no socket";
+        error = "it exists and is not a socket";
         return false;
     }
     const int reason = tryConnecting(address);
     if (reason == 0) {
-        error = "an engine listens there already";
+        error = "an engine is already listening there";
         return false;
     }
     if (reason != ECONNREFUSED || unlink(address.sun_path) != 0) {
@@ -66,8 +66,8 @@ bool SocketFile::listen(const std::string& path, std::string& error) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     if (path.empty() || path.size() >= sizeof(address.sun_path)) {
-        error = "a socket's path has 1 to " + std::to_string(sizeof(address.sun_path) - 1) +
-                " characters";
+        error = "a socket path must have 1 to " + std::to_string(sizeof(address.sun_path) - 1) +
+                " bytes";
         return false;
     }
     std::memcpy(address.sun_path, path.data(), path.size());

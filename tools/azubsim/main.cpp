@@ -62,7 +62,8 @@ int run(const Options& options, Simulator& simulator) {
         return fail("cannot listen at " + options.socket, error);
     }
     if (!options.recordFile.empty() && !simulator.recorder.open(options.recordFile)) {
-        return fail("cannot record to " + options.recordFile, "it cannot be written");
+        return fail("cannot record to " + options.recordFile,
+                    "the file cannot be opened for writing");
     }
     std::cout << "azubsim: listening at " << options.socket << std::endl;
     Server server(file.descriptor(), [&](int client, const std::string& request) {

@@ -52,8 +52,8 @@ int printMargin(const Service& service, Output& output) {
         return fail(result);
     }
     output.print({{"margin_ms", marginMs}, {"source", "last confirmed on this connection"}},
-                 printed("%lu ms, the last margin confirmed to the owner of this connection; what "
-                         "the engine applies may be another, and cannot be asked for",
+                 printed("%lu ms, the last margin confirmed on this connection; the engine's "
+                         "margin may differ, and the protocol has no way to ask for it",
                          marginMs));
     return EXIT_SUCCESS;
 }
@@ -127,7 +127,7 @@ int sendVideo(Service& service, const Options& options, Output& output) {
         return fail(result);
     }
     output.print({{"accepted", true}},
-                 "accepted; the library neither checks, keeps nor sends these timestamps");
+                 "accepted; the library does not check, keep or send these timestamps");
     return EXIT_SUCCESS;
 }
 

@@ -113,7 +113,7 @@ void LiveView::draw() const {
     }
     move(LINES - 1, 0);
     clrtoeol();
-    mvaddnstr(LINES - 1, 0, "q or Ctrl-C ends", COLS - 1);
+    mvaddnstr(LINES - 1, 0, "Press q or Ctrl-C to quit", COLS - 1);
     if (!_failure.empty()) {
         // On several lines if necessary.
         mvaddnstr(std::max(2, LINES - failureLines), 0, _failure.c_str(), COLS * failureLines - 1);
@@ -169,7 +169,7 @@ void LiveView::drawStrip() const {
     }
     constexpr double stepMs = 50;
     const double scaleMs = std::max(stepMs, std::ceil(largest / stepMs) * stepMs);
-    mvaddstr(top, 0, "Largest latency of each second of the last minute, ms");
+    mvaddstr(top, 0, "Maximum latency in each second of the last minute, ms");
     mvprintw(top + 1, 0, "%5.0f ", scaleMs);
     mvprintw(top + stripHeight, 0, "%5.0f ", scaleMs / stripHeight);
     const int stripColumns = std::clamp(COLS - 8, 1, stripSeconds);

@@ -85,7 +85,7 @@ Poller::Event Poller::readOnce(Service& service, bool& isConnected) const {
         isConnected = false;
         return {std::nullopt, waiting + result.format()};
     }
-    return {std::nullopt, "The engine refuses: " + result.format()};
+    return {std::nullopt, "The engine refused the request: " + result.format()};
 }
 
 void Poller::report(Event event) {

@@ -14,7 +14,7 @@ inline std::string valueName(const CLI::Option& option) {
 /// An option's description, with its default if there is one.
 inline std::string describe(const CLI::Option& option) {
     const std::string standard = option.get_default_str();
-    return option.get_description() + (standard.empty() ? "" : " (" + standard + ")");
+    return option.get_description() + (standard.empty() ? "" : " (default " + standard + ")");
 }
 
 /// Wraps text at `width` characters; longer words are not broken.

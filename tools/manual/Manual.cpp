@@ -155,7 +155,7 @@ std::string bashCompletion(const CLI::App& app) {
         cases += "        '" + words + " ') words='" + commandNames(command) +
                  optionNames(command) + optionNames(app) + "--help' ;;\n";
     });
-    return "# Completion of " + name + " for bash.\n_" + name +
+    return "# Bash completion for " + name + ".\n_" + name +
            "() {\n"
            "    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}\n"
            "    case $previous in\n" +
