@@ -56,11 +56,14 @@ struct SerializationTraitSetAudioDelayAnswer
     using Type = SetAudioDelay::Answer;
 };
 
-using Serializer = cmdfrmwrk::XmlSerializer<utilities::TypeList<
+/// All messages of the lip-sync commands.
+using MessageTraits = utilities::TypeList<
     SerializationTraitGetAudioTsRequest,
     utilities::TypeList<
         SerializationTraitGetAudioTsAnswer,
         utilities::TypeList<SerializationTraitSetAudioDelayRequest,
-                            utilities::TypeList<SerializationTraitSetAudioDelayAnswer>>>>>;
+                            utilities::TypeList<SerializationTraitSetAudioDelayAnswer>>>>;
+
+using Serializer = cmdfrmwrk::XmlSerializer<MessageTraits>;
 
 } // namespace velta::zub::lipsync

@@ -11,6 +11,7 @@ namespace {
 using Kind = Fault::Kind;
 
 constexpr int maxDelayMs = 3600000;
+constexpr std::chrono::microseconds noWait(0);
 
 // What the fault "missing" can leave out.
 constexpr const char* elementNames =
@@ -120,44 +121,34 @@ void Fault::spoil(Verdict& verdict) const {
     }
 }
 
-void Fault::spoil(Document& document) const {
+Reply Fault::answer(Document document, std::size_t floodBytes) const {
+    const std::string text = document.print();
+    const std::string firstHalf = text.substr(0, text.size() / 2);
+    const std::string secondHalf = text.substr(firstHalf.size()) + endMarker;
+    // There is no default, so the compiler warns about a kind that is forgotten here.
     switch (_kind) {
+        case Kind::Error: break; // The verdict is in the document.
         case Kind::Version: document.version = _argument; break;
         case Kind::Element: document.command.name = _argument; break;
         case Kind::Missing: remove(document.command, _argument); break;
         case Kind::Number: setNumbers(document.command, _argument); break;
-        default: break;
+        case Kind::Cut: return deliver(firstHalf);
+        case Kind::CloseBefore: return {{}, Reply::End::Close};
+        case Kind::CloseMiddle: return {{{noWait, firstHalf}}, Reply::End::Close};
+        case Kind::Split: return {split(text + endMarker), Reply::End::Open};
+        case Kind::Double: return deliver(text + endMarker + text);
+        case Kind::Zero: return {{{noWait, firstHalf + '\0' + secondHalf}}, Reply::End::Open};
+        case Kind::Silence: return {{}, Reply::End::Open};
+        case Kind::Delay:
+            return {{{std::chrono::milliseconds(_number), text + endMarker}}, Reply::End::Open};
+        case Kind::Flood: return {{{noWait, std::string(floodBytes, 'x')}}, Reply::End::Close};
+        case Kind::Reset: return {{}, Reply::End::Reset};
     }
-}
-
-Reply Fault::deliver(const std::string& document, std::size_t floodBytes) const {
-    const std::size_t middle = document.size() / 2;
-    Reply reply = azubsim::deliver(document);
-    std::string& bytes = reply.pieces.front().bytes;
-    switch (_kind) {
-        case Kind::Cut: bytes = document.substr(0, middle) + endMarker; break;
-        case Kind::CloseBefore: reply = {{}, Reply::End::Close}; break;
-        case Kind::CloseMiddle:
-            bytes.resize(middle);
-            reply.end = Reply::End::Close;
-            break;
-        case Kind::Split: reply.pieces = split(std::string(bytes)); break;
-        case Kind::Double: bytes += bytes; break;
-        case Kind::Zero: bytes.insert(middle, 1, '\0'); break;
-        case Kind::Silence: reply.pieces.clear(); break;
-        case Kind::Delay: reply.pieces.front().wait = std::chrono::milliseconds(_number); break;
-        case Kind::Flood:
-            bytes.assign(floodBytes, 'x');
-            reply.end = Reply::End::Close;
-            break;
-        case Kind::Reset: reply = {{}, Reply::End::Reset}; break;
-        default: break;
-    }
-    return reply;
+    return deliver(document.print());
 }
 
 Reply deliver(const std::string& document) {
-    return {{{std::chrono::microseconds(0), document + endMarker}}, Reply::End::Open};
+    return {{{noWait, document + endMarker}}, Reply::End::Open};
 }
 
 } // namespace azubsim

@@ -49,11 +49,11 @@ public:
     /// The text that was parsed.
     const std::string& text() const { return _text; }
 
-    /// Apply the fault to the engine's verdict, then to the document, then to its delivery.
-    /// A flood has `floodBytes` bytes.
+    /// Applies the fault to the engine's verdict, which comes first.
     void spoil(Verdict& verdict) const;
-    void spoil(Document& document) const;
-    Reply deliver(const std::string& document, std::size_t floodBytes) const;
+
+    /// Applies the fault to the answer and its delivery. A flood has `floodBytes` bytes.
+    Reply answer(Document document, std::size_t floodBytes) const;
 
 private:
     bool setArgument(const std::string& argument, std::string& error);

@@ -46,19 +46,25 @@ Reply Simulator::answerAsEngine(const std::string& request, const Fault* fault) 
         std::cerr << "azubsim: bad request, connection closed: " << error << std::endl;
         return {{}, Reply::End::Close};
     }
-    const bool isDelay = parsed.command == Request::Command::SetAudioDelay;
+    const Document document = carryOut(parsed, fault);
+    return fault != nullptr ? fault->answer(document, floodBytes) : deliver(document.print());
+}
+
+Document Simulator::carryOut(const Request& request, const Fault* fault) {
+    const auto spoiled = [&](Verdict verdict) {
+        if (fault != nullptr) {
+            fault->spoil(verdict);
+        }
+        return verdict;
+    };
     Timestamps timestamps;
-    Verdict verdict = isDelay ? engine.setMargin(parsed.delayMs)
-                              : engine.timestamps(AudioEngine::Clock::now(), timestamps);
-    if (fault != nullptr) {
-        fault->spoil(verdict);
+    switch (request.command) {
+        case Request::Command::GetAudioTs: break;
+        case Request::Command::SetAudioDelay:
+            return delayAnswer(spoiled(engine.setMargin(request.delayMs)));
     }
-    Document document = isDelay ? delayAnswer(verdict) : timestampsAnswer(timestamps, verdict);
-    if (fault != nullptr) {
-        fault->spoil(document);
-        return fault->deliver(document.print(), floodBytes);
-    }
-    return deliver(document.print());
+    const Verdict verdict = engine.timestamps(AudioEngine::Clock::now(), timestamps);
+    return timestampsAnswer(timestamps, spoiled(verdict));
 }
 
 } // namespace azubsim

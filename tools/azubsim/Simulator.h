@@ -8,6 +8,7 @@
 #include "tools/azubsim/FaultPlan.h"
 #include "tools/azubsim/Journal.h"
 #include "tools/azubsim/Reply.h"
+#include "tools/azubsim/Request.h"
 
 namespace azubsim {
 
@@ -26,6 +27,7 @@ public:
 
 private:
     Reply answerAsEngine(const std::string& request, const Fault* fault);
+    Document carryOut(const Request& request, const Fault* fault);
 };
 
 } // namespace azubsim

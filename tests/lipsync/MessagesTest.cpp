@@ -1,0 +1,15 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include "lipsync/SerializationTraits.h"
+
+TEST(Messages, AreDocumented) {
+    std::ifstream file(DOCS "/protocol.md");
+    const std::string page(std::istreambuf_iterator<char>(file), {});
+    velta::utilities::visitAll(velta::zub::lipsync::MessageTraits{}, [&](auto trait) {
+        EXPECT_NE(page.find(std::string("`") + trait.tag + '`'), std::string::npos) << trait.tag;
+        return true;
+    });
+}
