@@ -1,4 +1,4 @@
-# The platform's log library: the NDK's on Android, Debian's build of it on Linux, which has its own
+# The platform's log library: on Android the NDK's, on Linux Debian's build of it, which is in a
 # subdirectory.
 
 if(ANDROID)

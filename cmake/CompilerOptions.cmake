@@ -6,7 +6,7 @@ target_compile_options(zublipsyncapi_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
 
 # A buffer overrun ends the process before it does other harm, and relocated data becomes read-only.
-# Sanitizers have stricter checks of their own. _FORTIFY_SOURCE needs optimisation.
+# Sanitizers have their own, stricter checks. _FORTIFY_SOURCE needs optimisation.
 if(NOT ZUBLIPSYNCAPI_SANITIZERS)
     target_compile_options(zublipsyncapi_options INTERFACE -fstack-protector-strong
         $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE>

@@ -15,7 +15,7 @@ foreach(header IN LISTS public_headers)
         COMPONENT development)
 endforeach()
 
-# Every package has the licence file, which also names the licence of TinyXML, which is linked in.
+# Every package has the licence file. It also names the licence of TinyXML, which is linked in.
 set(packages libzublipsyncapi${PROJECT_VERSION_MAJOR} libzublipsyncapi-dev zublipsync-tools)
 set(components runtime development tools)
 foreach(package component IN ZIP_LISTS packages components)

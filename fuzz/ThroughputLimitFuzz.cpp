@@ -1,4 +1,4 @@
-// Compares the reading of LIBLOG_THROUGHPUT_LIMIT with a parser of "%u/%u" that does without scanf.
+// Compares the reading of LIBLOG_THROUGHPUT_LIMIT with a parser of "%u/%u" that does not use scanf.
 
 #include <cctype>
 #include <cstdlib>

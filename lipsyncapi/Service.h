@@ -40,8 +40,8 @@ public:
         BadState = 1003,       ///< Not connected; from `connect`: already connected.
         CannotConnect = 1004,  ///< Connecting failed; the cause says why.
         TransportError = 1005, ///< The exchange failed; the cause says where. Reconnect.
-        ServerError = 1006,    ///< The engine answered with an error; the cause is its answer.
-        NotInCall = 1007,      ///< The engine is not in a call; the cause is its answer.
+        ServerError = 1006,    ///< The engine answered with an error; the cause is its result.
+        NotInCall = 1007,      ///< The engine is not in a call; the cause is its result.
     };
 
     /// Tells `Result` about these codes.

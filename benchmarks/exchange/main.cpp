@@ -12,7 +12,7 @@
 
 namespace {
 
-// Stays on the current core: the scheduler did not choose the busiest one.
+// Stays on the current core. The scheduler chose it, so it is not the busiest one.
 void stayOnOneCore() {
     cpu_set_t cores;
     CPU_ZERO(&cores);

@@ -4,12 +4,12 @@
 
 namespace video {
 
-/// The skew at which viewers notice it: detectability thresholds of ITU-R BT.1359, in ms. Positive
-/// means that the audio is late.
+/// Viewers notice a skew beyond these limits: detectability thresholds of ITU-R BT.1359, in ms.
+/// Positive means that the audio is late.
 constexpr double audioEarlyLimitMs = -45;
 constexpr double audioLateLimitMs = 125;
 
-/// The skew of a number of pictures.
+/// The skew of several pictures.
 class Skew {
 public:
     void add(double pictureLatenessMs, double audioLatenessMs);

@@ -184,7 +184,7 @@ private:
 void printUsage(std::FILE* stream) {
     std::fprintf(stream,
                  "Usage: video_pipeline [--socket PATH] [--seconds N]\n"
-                 "Steers the lip sync of a simulated video for N seconds: 2 to 86400, default 10.\n"
+                 "Adjusts the lip sync of a simulated call for N seconds: 2 to 86400, default 10.\n"
                  "Exit status: 0 if the skew stayed inside %.0f to %.0f ms, 1 if not, 2 for wrong\n"
                  "usage.\n",
                  audioEarlyLimitMs, audioLateLimitMs);
@@ -221,7 +221,7 @@ int main(int argc, char** argv) {
         printUsage(stderr);
         return exitUsage;
     }
-    // Writing to an engine that hung up must not kill this process.
+    // Writing to an engine that has gone must not kill this process.
     std::signal(SIGPIPE, SIG_IGN);
     return Pipeline(socket, std::chrono::seconds(seconds)).run() ? EXIT_SUCCESS : exitOutsideWindow;
 }

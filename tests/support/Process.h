@@ -28,7 +28,7 @@ public:
     /// or to the end of the stream.
     std::string readUntil(const std::string& text) const;
 
-    /// Reads to the end of the stream, provided that there is no zero byte before it.
+    /// Reads to the end of the stream or to a zero byte.
     std::string readAll() const { return readUntil(std::string(1, '\0')); }
 
     /// Writes to its standard input.

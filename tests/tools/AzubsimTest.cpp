@@ -26,7 +26,7 @@ TEST_F(Azubsim, EndsCleanlyOnSignals) {
     }
 }
 
-TEST_F(Azubsim, ReplacesADeadSocketAndNothingElse) {
+TEST_F(Azubsim, ReplacesOnlyAStaleSocket) {
     const std::string cannot = "azubsim: cannot listen at " + socket;
     { const Engine killed(socket); }
     {
@@ -111,7 +111,7 @@ TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
     EXPECT_EQ(documented, listed);
 }
 
-TEST_F(Azubsim, ADelayIsMeasuredAndADoubleAnswerReadTwice) {
+TEST_F(Azubsim, DelaysAnAnswerAndSendsAnAnswerTwice) {
     const Engine engine(socket, {"--fault", "delay 100", "--fault", "double"});
     const std::string ping = run(LIPSYNCCTL, "ping --count 1 --format csv" + at);
     EXPECT_TRUE(std::regex_match(ping, std::regex(".*\n1,[0-9]{3,}[.].*\n"))) << ping;
@@ -133,7 +133,7 @@ TEST_F(Azubsim, SpoilsSomeAnswersRepeatably) {
     EXPECT_NE(outcomes({"--every", "2", "--seed", "6"}), random);
 }
 
-TEST_F(Azubsim, ChangesByLinesOnStandardInput) {
+TEST_F(Azubsim, ObeysCommandsOnStandardInput) {
     const Engine engine(socket);
     const auto seenAfter = [&](const std::string& line, int status) {
         engine.write(line + "\nstatus\n");
@@ -149,14 +149,14 @@ TEST_F(Azubsim, ChangesByLinesOnStandardInput) {
     EXPECT_EQ(engine.readAll(), "invalid command: nonsense (try help)\n");
 }
 
-TEST_F(Azubsim, AFaultOfOneClientDoesNotHoldUpAnother) {
+TEST_F(Azubsim, AFaultForOneClientDoesNotDelayAnother) {
     const Engine engine(
         socket, {"--verbose", "--fault", "delay 60000", "--fault", "flood", "--fault", "split"});
     const Process slow({LIPSYNCCTL, "timestamps", "--socket", socket});
     engine.readUntil("client 1 >");
     const Process flooded({LIPSYNCCTL, "timestamps", "--socket", socket});
     engine.readUntil("client 2 >");
-    // It stops reading the flood.
+    // This client stops reading the flood.
     flooded.signal(SIGSTOP);
     run(LIPSYNCCTL, "timestamps" + at);
 }

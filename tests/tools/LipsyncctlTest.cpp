@@ -34,7 +34,7 @@ TEST_F(Lipsyncctl, AnswersPeopleAndPrograms) {
     EXPECT_LE(ping["p99_ms"], ping["max_ms"]);
 }
 
-TEST_F(Lipsyncctl, ReadsTimestampsWhichAMarginMovesByExactlySoMuchForEveryClient) {
+TEST_F(Lipsyncctl, ReadsTimestampsWithTheMarginThatAnotherClientSet) {
     const Engine engine(socket);
     for (const int margin : {0, 60}) {
         run(LIPSYNCCTL, "margin set " + std::to_string(margin) + at);

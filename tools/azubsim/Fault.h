@@ -49,7 +49,7 @@ public:
     /// The text that was parsed.
     const std::string& text() const { return _text; }
 
-    /// Applies the fault to the engine's verdict, which comes first.
+    /// Applies the fault to the engine's verdict. Call it before the document is built.
     void spoil(Verdict& verdict) const;
 
     /// Applies the fault to the answer and its delivery. A flood has `floodBytes` bytes.

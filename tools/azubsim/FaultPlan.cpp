@@ -16,7 +16,7 @@ const Fault* FaultPlan::next() {
     if (_faults.empty()) {
         return nullptr;
     }
-    // Remainders, because distributions differ between standard libraries.
+    // Use remainders, because distributions differ between standard libraries.
     if (_seed) {
         return _random() % _every == 0 ? &_faults[_random() % _faults.size()] : nullptr;
     }

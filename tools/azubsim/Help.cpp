@@ -17,11 +17,11 @@ std::string faultTable() {
 }
 
 std::string commandTable() {
-    return "  call on|off           start or end the call; outside a call requests get 1003\n"
+    return "  call on|off           start or end the call; outside it requests get error 1003\n"
            "  fault FAULT           apply this fault instead of all previous ones\n"
            "  fault none            apply no fault\n"
            "  every N               apply a fault to one answer in N\n"
-           "  seed S                choose answers and faults at random, repeatably\n"
+           "  seed S                choose at random which answers get which fault\n"
            "  seed none             let the faults take turns again\n"
            "  verbose on|off        print each message to standard error\n"
            "  status                print these settings\n"

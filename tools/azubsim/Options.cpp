@@ -44,8 +44,9 @@ void declareOptions(CLI::App& app, Options& options) {
                    "Apply a fault to one answer in N instead of every answer")
         ->type_name("N")
         ->check(CLI::Range(1, 1000000000));
-    app.add_option("--seed", options.seed,
-                   "Choose answers and faults at random; the same seed repeats the same choices")
+    app.add_option(
+           "--seed", options.seed,
+           "Choose at random which answers get which fault; the same seed repeats the choices")
         ->type_name("S");
     app.add_option("--flood-limit", options.floodBytes,
                    "Bytes that the fault \"flood\" sends before it closes the connection")
@@ -58,7 +59,7 @@ void declareOptions(CLI::App& app, Options& options) {
                        "request, answer, end, fault. Delays are not recorded")
             ->type_name("FILE");
     app.add_option("--replay", options.replayFile,
-                   "Send the answers of a recorded file in order, whatever the request. After "
+                   "Send the answers of a recorded file in order and ignore the requests. After "
                    "the last one, close the connection on each request")
         ->type_name("FILE")
         ->excludes(record);

@@ -25,9 +25,9 @@ int endSignals() {
     sigaddset(&signals, SIGHUP);
     sigaddset(&signals, SIGQUIT);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
-    // Reading from the terminal in the background must not stop the process,
+    // Reading from the terminal in the background must not stop the process.
     std::signal(SIGTTIN, SIG_IGN);
-    // and writing to a closed pipe must not kill it.
+    // Writing to a closed pipe must not kill it.
     std::signal(SIGPIPE, SIG_IGN);
     return signalfd(-1, &signals, SFD_CLOEXEC);
 }

@@ -34,7 +34,7 @@ private:
     bool _isEndless;
 };
 
-// Both exit the process if a silent engine keeps the poller from stopping.
+// Both functions below exit the process if a silent engine keeps the poller from stopping.
 
 void watchOnTerminal(const Options& options) {
     LiveView view(options.socket);
@@ -52,7 +52,7 @@ void watchOnTerminal(const Options& options) {
             view.showFailure(event->failure);
         }
     }
-    // Stop before closing the view, which keeps the last log line off the terminal.
+    // Stop the poller first: the open view keeps its last log line off the terminal.
     const bool hasStopped = poller.stop();
     view.close();
     if (!hasStopped) {

@@ -24,7 +24,7 @@ void openStandardDescriptors() {
 int main(int argc, char** argv) {
     openStandardDescriptors();
     std::setlocale(LC_CTYPE, "");
-    // Writing to an engine that hung up must not kill this process.
+    // Writing to an engine that has gone must not kill this process.
     std::signal(SIGPIPE, SIG_IGN);
     lipsyncctl::Options options;
     if (const auto status = lipsyncctl::readOptions(argc, argv, options)) {

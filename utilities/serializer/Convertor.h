@@ -17,7 +17,8 @@ namespace velta::utilities::serializer {
 /// else is allowed, in particular no other white space.
 template <typename T>
 struct Convertor {
-    static_assert(std::is_integral<T>::value, "a type of its own needs a convertor of its own");
+    static_assert(std::is_integral<T>::value,
+                  "only for integers: other types need their own convertor");
 
     static bool toString(const T& value, std::string& text) {
         text = result::Decimal(value);

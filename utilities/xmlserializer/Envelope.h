@@ -22,8 +22,8 @@ Result parseDocument(const std::string& text, const std::string& rootTag,
                      const std::string& version, TiXmlDocument& document,
                      const TiXmlElement*& command);
 
-/// In a document in plain form, move past the text before or after the command. Return false if
-/// another text comes next; the position may have moved.
+/// Both move past the text before or after the command in a document in plain form. They return
+/// false if another text comes next; the position may have moved.
 bool skipFrameStart(PlainCursor& document, const std::string& rootTag, const std::string& version);
 bool skipFrameEnd(PlainCursor& document, const std::string& rootTag);
 
