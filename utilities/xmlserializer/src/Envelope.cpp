@@ -1,5 +1,9 @@
 #include "utilities/xmlserializer/Envelope.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 #include "utilities/xmlserializer/DocumentLimits.h"
 
 namespace velta::utilities::xmlserializer::detail {
@@ -11,13 +15,9 @@ namespace {
 // sets it on load, before any thread can parse.
 const bool whiteSpaceIsKept = (TiXmlBase::SetCondenseWhiteSpace(false), true);
 
-// What comes before and after the command, in the form that TinyXML and the engine print.
-std::string frameStart(const std::string& rootTag, const std::string& version) {
-    return "<?xml version=\"1.0\" ?><" + rootTag + " version=\"" + version + "\">";
-}
-
-std::string frameEnd(const std::string& rootTag) {
-    return "</" + rootTag + '>';
+// The text before the command, in the form that TinyXML and the engine print.
+std::array<std::string_view, 5> frameStart(std::string_view rootTag, std::string_view version) {
+    return {"<?xml version=\"1.0\" ?><", rootTag, " version=\"", version, "\">"};
 }
 
 Result failure() {
@@ -31,15 +31,23 @@ std::string printDocument(const std::string& rootTag, const std::string& version
     TiXmlPrinter printer;
     printer.SetStreamPrinting();
     command.Accept(&printer);
-    return frameStart(rootTag, version) + printer.CStr() + frameEnd(rootTag);
+
+    std::string text;
+    for (const std::string_view piece : frameStart(rootTag, version)) {
+        text += piece;
+    }
+    return text + printer.CStr() + "</" + rootTag + '>';
 }
 
 bool skipFrameStart(PlainCursor& document, const std::string& rootTag, const std::string& version) {
-    return isPlain(version) && document.skip(frameStart(rootTag, version));
+    const auto pieces = frameStart(rootTag, version);
+    return isPlain(version) &&
+           std::all_of(pieces.begin(), pieces.end(),
+                       [&](std::string_view piece) { return document.skip(piece); });
 }
 
 bool skipFrameEnd(PlainCursor& document, const std::string& rootTag) {
-    return document.skip(frameEnd(rootTag)) && document.isAtEnd();
+    return document.skipEnd(rootTag) && document.isAtEnd();
 }
 
 Result parseDocument(const std::string& text, const std::string& rootTag,
