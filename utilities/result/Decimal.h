@@ -21,7 +21,7 @@ public:
     }
 
 private:
-    char _digits[20]; // Enough for 64 bits: 20 digits, or a sign and 19.
+    char _digits[20] = {}; // Enough for 64 bits: 20 digits, or a sign and 19.
     const char* _end;
 };
 
