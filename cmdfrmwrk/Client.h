@@ -39,6 +39,10 @@ public:
                       ResultCode::Success);
     }
 
+    /// Closes the connection, which ends a blocked exchange with `ConnectionClosed`, and every
+    /// later one. Does not block. Any thread.
+    void close() { _protocol.close(); }
+
 private:
     Result exchange(const std::string& request, std::unique_ptr<std::string>& answer);
 };

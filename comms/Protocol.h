@@ -60,6 +60,10 @@ public:
     /// codes as `send`. On success the caller owns `message`; after a failure it is null.
     virtual Result receive(Message*& message) = 0;
 
+    /// Closes the link, which ends a blocked `send` or `receive` with `ProtocolClosed`, and every
+    /// later one. Does not block. Any thread.
+    void close() { _link->close(); }
+
 protected:
     Link* _link;
 };

@@ -15,12 +15,13 @@ namespace velta::zub::lipsyncapi {
 
 /// A connection to the audio engine, for keeping pictures in step with a call's audio.
 ///
-/// One thread at a time for each object. `setAudioDelayMargin` and `getAudioTimestamps` must not
-/// run at the same time even on two objects, because all objects receive through one buffer. With
-/// several threads, put one lock around all of these calls.
+/// One thread at a time for each object, except for `cancel`. `setAudioDelayMargin` and
+/// `getAudioTimestamps` must not run at the same time even on two objects, because all objects
+/// receive through one buffer. With several threads, put one lock around all of these calls.
 ///
 /// These two functions exchange a request and its answer with the engine. There is no timeout and
-/// no retry: a silent engine blocks the caller until it answers or closes the connection.
+/// no retry: a silent engine blocks the caller until it answers or closes the connection, or until
+/// another thread calls `cancel`.
 ///
 /// After a failed exchange the object is still connected. After `TransportError`, disconnect and
 /// connect again.
@@ -144,6 +145,22 @@ public:
     /// - `Success`;
     /// - `BadState`: not connected.
     Result setVideoTimestamps(const common::LipSyncNtpTimestamps& timestamps);
+
+    /// Ends a blocked exchange: closes the connection under it. Does not block. Writes no log line.
+    ///
+    /// Any thread may call this while another is inside `setAudioDelayMargin` or
+    /// `getAudioTimestamps` of the same object. It must not overlap `connect`, `disconnect` or the
+    /// destructor. The exchange and every later one return `TransportError` with the cause
+    /// "Connection closed", until `disconnect` and `connect`; the object counts as connected until
+    /// then. Does nothing without a connection.
+    ///
+    /// A watchdog shares a mutex and a deadline with the calling thread. The calling thread sets
+    /// the deadline before an exchange and clears it afterwards, each time under the mutex. The
+    /// watchdog calls `cancel` under the mutex, and only if the deadline is set and has passed. The
+    /// calling thread connects, disconnects and destroys the object only while no deadline is set.
+    ///
+    /// A later exchange writes to a closed connection, which raises `SIGPIPE`: ignore it.
+    void cancel();
 
 private:
     enum class State : std::int32_t { Disconnected = 0, Connected = 1 };

@@ -218,4 +218,10 @@ Service::Result Service::setVideoTimestamps(const common::LipSyncNtpTimestamps&)
     return ResultCode::Success;
 }
 
+void Service::cancel() {
+    if (_commandClient != nullptr) {
+        _commandClient->close();
+    }
+}
+
 } // namespace velta::zub::lipsyncapi

@@ -2,14 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstring>
 #include <fstream>
 #include <locale>
+#include <thread>
 
 #include "tests/replacements/LogCapture.h"
 #include "tests/support/EngineDouble.h"
 #include "tests/support/Frames.h"
+#include "tests/support/Listener.h"
+#include "tests/support/TemporaryDirectory.h"
 
 using tests::delayFrame;
 using tests::EngineDouble;
@@ -209,6 +213,36 @@ TEST(Service, LogsOneLinePerCall) {
                   .find("I/AZUBLIPSYNCAPI Client is connecting with input params: "
                         "lipsyncSocketName=/dev/socket/azub_lipsync  with result: "),
               std::string::npos);
+}
+
+TEST(Service, CancelEndsABlockedExchangeAndAllLaterOnes) {
+    std::signal(SIGPIPE, SIG_IGN);
+    const std::string cancelled =
+        "An error has occured in the transport layer (Code 1005): {Connection closed (Code 5904): "
+        "{Protocol is closed. (Code 40004): {Closed (Code 10002)}}}";
+    const tests::TemporaryDirectory directory;
+    const tests::Listener silent(directory.path() + "/engine");
+    EngineDouble engine({delayFrame("1000")});
+    Service service;
+    service.cancel();
+    EXPECT_EQ(service.connect(directory.path() + "/engine").format(), "Success");
+    EXPECT_EQ(logOf([&] {
+                  std::thread watchdog([&] {
+                      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+                      service.cancel();
+                  });
+                  EXPECT_EQ(service.setAudioDelayMargin(20).format(), cancelled);
+                  watchdog.join();
+              }),
+              line("Client is setting the audio delay margin with input params: delayMs=20  with "
+                   "result: " +
+                   cancelled));
+    LipSyncNtpTimestamps timestamps = callersValues;
+    EXPECT_EQ(service.getAudioTimestamps(timestamps).format(), cancelled);
+    EXPECT_EQ(values(timestamps), "5 6 7 8");
+    EXPECT_EQ(service.disconnect().format(), "Success");
+    EXPECT_EQ(service.connect(engine.path()).format(), "Success");
+    EXPECT_EQ(service.setAudioDelayMargin(20).format(), "Success");
 }
 
 TEST(ServiceDeathTest, ADeadEngineKillsACallerThatDoesNotIgnoreSigpipe) {
