@@ -1,7 +1,6 @@
-#include "video_pipeline/Skew.h"
+#include "Skew.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace video {
 
@@ -12,14 +11,6 @@ void Skew::add(double pictureLatenessMs, double audioLatenessMs) {
     _pictures += pictureLatenessMs;
     _audio += audioLatenessMs;
     ++_count;
-}
-
-unsigned long bestMargin(double skewWithoutMarginMs, unsigned long granularityMs,
-                         unsigned long maxMs) {
-    const double granularity = static_cast<double>(granularityMs);
-    const double steps = std::round(-skewWithoutMarginMs / granularity);
-    const double largest = std::floor(static_cast<double>(maxMs) / granularity);
-    return static_cast<unsigned long>(std::clamp(steps, 0.0, largest)) * granularityMs;
 }
 
 } // namespace video

@@ -4,16 +4,22 @@
 
 namespace video {
 
-/// Viewers notice a skew beyond these limits: detectability thresholds of ITU-R BT.1359, in ms.
-/// Positive means that the audio is late.
-constexpr double audioEarlyLimitMs = -45;
-constexpr double audioLateLimitMs = 125;
+/// A range of skew in ms. Positive means that the audio is late.
+struct Window {
+    double earliest;
+    double latest;
+};
 
-/// The skew of several pictures.
+/// What a system should keep: ATSC IS-191.
+constexpr Window allowedSkew{-15, 45};
+
+/// Outside this window viewers notice the skew: detectability thresholds of ITU-R BT.1359.
+constexpr Window undetectedSkew{-45, 125};
+
+/// The skew of a number of pictures.
 class Skew {
 public:
     void add(double pictureLatenessMs, double audioLatenessMs);
-    void clear() { *this = Skew(); }
 
     std::size_t count() const { return _count; }
 
@@ -26,8 +32,8 @@ public:
     double smallest() const { return _smallest; }
     double largest() const { return _largest; }
 
-    bool isInsideWindow() const {
-        return _count > 0 && _smallest >= audioEarlyLimitMs && _largest <= audioLateLimitMs;
+    bool isInside(const Window& window) const {
+        return _count > 0 && _smallest >= window.earliest && _largest <= window.latest;
     }
 
 private:
@@ -37,10 +43,5 @@ private:
     double _smallest = 0;
     double _largest = 0;
 };
-
-/// The margin with the smallest skew: a multiple of `granularityMs` up to `maxMs`.
-/// `skewWithoutMarginMs` is the skew at a margin of 0.
-unsigned long bestMargin(double skewWithoutMarginMs, unsigned long granularityMs,
-                         unsigned long maxMs);
 
 } // namespace video
