@@ -31,6 +31,9 @@ write_basic_package_version_file(zublipsyncapi-config-version.cmake
 install(FILES ${PROJECT_BINARY_DIR}/zublipsyncapi-config-version.cmake
     DESTINATION ${package_dir} COMPONENT development)
 
+install(DIRECTORY examples/video_pipeline
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libzublipsyncapi-dev/examples COMPONENT development)
+
 # GNUInstallDirs allows absolute directories, which must not get the prefix. If the library directory
 # is relative, the .pc file finds the prefix from its own location, so any prefix works.
 if(IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
