@@ -5,12 +5,9 @@
 
 namespace lipsyncctl {
 
-using velta::zub::lipsyncapi::Service;
-
 namespace {
 
 constexpr std::chrono::milliseconds reconnectPause{300};
-constexpr std::chrono::milliseconds stopPatience{300};
 
 // Beyond this number the oldest unread events are dropped.
 constexpr std::size_t maxEvents = 1000;
@@ -20,12 +17,10 @@ const std::string waiting = "Waiting for the engine: ";
 } // namespace
 
 Poller::Poller(std::string socket, std::chrono::milliseconds interval)
-    : _socket(std::move(socket)), _interval(interval), _thread([this] { run(); }) {}
+    : _socket(std::move(socket)), _interval(interval), _thread([this] { poll(); }) {}
 
 Poller::~Poller() {
-    if (_thread.joinable()) {
-        _thread.join();
-    }
+    stop();
 }
 
 std::optional<Poller::Event> Poller::next(std::chrono::milliseconds timeout) {
@@ -38,18 +33,18 @@ std::optional<Poller::Event> Poller::next(std::chrono::milliseconds timeout) {
     return event;
 }
 
-bool Poller::stop() {
-    std::unique_lock<std::mutex> lock(_mutex);
-    _isStopping = true;
+void Poller::stop() {
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _isStopping = true;
+        if (_exchanging != nullptr) {
+            _exchanging->cancel();
+        }
+    }
     _changed.notify_all();
-    return _changed.wait_for(lock, stopPatience, [this] { return _hasStopped; });
-}
-
-void Poller::run() {
-    poll();
-    const std::lock_guard<std::mutex> lock(_mutex);
-    _hasStopped = true;
-    _changed.notify_all();
+    if (_thread.joinable()) {
+        _thread.join();
+    }
 }
 
 void Poller::poll() {
@@ -66,7 +61,7 @@ void Poller::poll() {
     }
 }
 
-Poller::Event Poller::readOnce(Service& service, bool& isConnected) const {
+Poller::Event Poller::readOnce(Service& service, bool& isConnected) {
     if (!isConnected) {
         const Service::Result connected = service.connect(_socket);
         if (connected.isFailure()) {
@@ -75,8 +70,7 @@ Poller::Event Poller::readOnce(Service& service, bool& isConnected) const {
         isConnected = true;
     }
     Reading reading;
-    const Service::Result result = service.getAudioTimestamps(reading.timestamps);
-    reading.time = now();
+    const Service::Result result = exchange(service, reading);
     if (result.isSuccess()) {
         return {reading, ""};
     }
@@ -86,6 +80,21 @@ Poller::Event Poller::readOnce(Service& service, bool& isConnected) const {
         return {std::nullopt, waiting + result.format()};
     }
     return {std::nullopt, "The engine refused the request: " + result.format()};
+}
+
+Poller::Service::Result Poller::exchange(Service& service, Reading& reading) {
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        if (_isStopping) {
+            return Service::ResultCode::UnknownError;
+        }
+        _exchanging = &service;
+    }
+    Service::Result result = service.getAudioTimestamps(reading.timestamps);
+    reading.time = now();
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _exchanging = nullptr;
+    return result;
 }
 
 void Poller::report(Event event) {

@@ -32,14 +32,15 @@ public:
     /// Waits for the next event; returns nothing after the timeout.
     std::optional<Event> next(std::chrono::milliseconds timeout);
 
-    /// Stops the thread. Returns false if a silent engine blocks it: then the process must exit
-    /// without joining it.
-    bool stop();
+    /// Stops the thread, even if it waits for a silent engine.
+    void stop();
 
 private:
-    void run();
+    using Service = velta::zub::lipsyncapi::Service;
+
     void poll();
-    Event readOnce(velta::zub::lipsyncapi::Service& service, bool& isConnected) const;
+    Event readOnce(Service& service, bool& isConnected);
+    Service::Result exchange(Service& service, Reading& reading);
     void report(Event event);
     bool pause(std::chrono::nanoseconds time);
 
@@ -49,7 +50,7 @@ private:
     std::condition_variable _changed;
     std::deque<Event> _events;
     bool _isStopping = false;
-    bool _hasStopped = false;
+    Service* _exchanging = nullptr; ///< Set during an exchange, which may then be cancelled.
     std::thread _thread;
 };
 

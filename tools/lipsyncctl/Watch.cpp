@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <iostream>
 #include <optional>
 
@@ -34,8 +33,6 @@ private:
     bool _isEndless;
 };
 
-// Both functions below exit the process if a silent engine keeps the poller from stopping.
-
 void watchOnTerminal(const Options& options) {
     LiveView view(options.socket);
     Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
@@ -53,11 +50,8 @@ void watchOnTerminal(const Options& options) {
         }
     }
     // Stop the poller first: the open view keeps its last log line off the terminal.
-    const bool hasStopped = poller.stop();
+    poller.stop();
     view.close();
-    if (!hasStopped) {
-        std::_Exit(EXIT_SUCCESS);
-    }
 }
 
 void watchInLines(const Options& options) {
@@ -77,10 +71,6 @@ void watchInLines(const Options& options) {
             std::cerr << "lipsyncctl: " << event->failure << std::endl;
         }
         lastFailure = event->failure;
-    }
-    if (!poller.stop()) {
-        std::cout.flush();
-        std::_Exit(EXIT_SUCCESS);
     }
 }
 
