@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "tools/azubsim/Help.h"
-#include "tools/manual/CommandLine.h"
-#include "tools/manual/HelpFormatter.h"
+#include "tools/common/CommandLine.h"
+#include "tools/common/HelpFormatter.h"
 
 namespace azubsim {
 
@@ -24,7 +24,7 @@ void readFaults(Options& options) {
 
 void declareOptions(CLI::App& app, Options& options) {
     app.name("azubsim");
-    app.formatter(std::make_shared<manual::HelpFormatter>());
+    app.formatter(std::make_shared<tools::HelpFormatter>());
     app.description(
         "Simulates the audio engine: answers lip-sync requests on a Unix-domain socket, with "
         "plausible timestamps or with faults, until it is interrupted. Commands on standard input "
@@ -76,7 +76,7 @@ void declareOptions(CLI::App& app, Options& options) {
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
     CLI::App app;
     declareOptions(app, options);
-    return manual::readCommandLine(app, argc, argv, [&] {
+    return tools::readCommandLine(app, argc, argv, [&] {
         if (options.socket.empty()) {
             throw CLI::RequiredError("--socket");
         }

@@ -5,8 +5,8 @@
 #include <memory>
 
 #include "lipsyncapi/Service.h"
-#include "tools/manual/CommandLine.h"
-#include "tools/manual/HelpFormatter.h"
+#include "tools/common/CommandLine.h"
+#include "tools/common/HelpFormatter.h"
 
 namespace lipsyncctl {
 
@@ -95,7 +95,7 @@ void declareSendVideo(CLI::App& app, Options& options) {
 void declareOptions(CLI::App& app, Options& options) {
     using velta::zub::lipsyncapi::Service;
     app.name("lipsyncctl");
-    app.formatter(std::make_shared<manual::HelpFormatter>());
+    app.formatter(std::make_shared<tools::HelpFormatter>());
     app.description("Talks to the audio engine's lip-sync socket from the command line.");
     options.socket = Service::defaultLipsyncSocketName;
     app.add_option("--socket", options.socket, "Path of the engine's socket")
@@ -130,7 +130,7 @@ void declareOptions(CLI::App& app, Options& options) {
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
     CLI::App app;
     declareOptions(app, options);
-    return manual::readCommandLine(app, argc, argv, [&] {
+    return tools::readCommandLine(app, argc, argv, [&] {
         if (!options.command) {
             throw CLI::RequiredError("A command");
         }

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "tools/manual/HelpFormatter.h"
+#include "tools/common/HelpFormatter.h"
 
 namespace manual {
 
@@ -51,7 +51,7 @@ std::string optionList(const CLI::App& app) {
             continue;
         }
         list += ".TP\n.B " + roff(option->get_name(false, true)) + " \\fI" +
-                roff(valueName(*option)) + "\\fR\n" + roff(describe(*option)) + ".\n";
+                roff(tools::valueName(*option)) + "\\fR\n" + roff(tools::describe(*option)) + ".\n";
     }
     return list;
 }
@@ -95,7 +95,7 @@ std::string optionNames(const CLI::App& app) {
 std::string valueCases(const CLI::App& app) {
     std::string cases;
     for (const CLI::Option* const option : app.get_options()) {
-        const std::string value = valueName(*option);
+        const std::string value = tools::valueName(*option);
         if (value.empty() || option->get_lnames().empty()) {
             continue;
         }
@@ -121,7 +121,7 @@ std::string valueOptions(const CLI::App& app) {
     std::string pattern;
     const auto add = [&](const CLI::App& command, const std::string&) {
         for (const CLI::Option* const option : command.get_options()) {
-            if (!valueName(*option).empty() && !option->get_lnames().empty()) {
+            if (!tools::valueName(*option).empty() && !option->get_lnames().empty()) {
                 pattern += (pattern.empty() ? "--" : "|--") + option->get_lnames().front();
             }
         }

@@ -7,7 +7,7 @@ namespace CLI {
 class App;
 }
 
-namespace manual {
+namespace tools {
 
 /// Parses the command line with the declarations in `app`, then calls `check`, which throws a
 /// `CLI::ParseError` for a missing option or an invalid value; an unknown argument is reported
@@ -15,4 +15,4 @@ namespace manual {
 std::optional<int> readCommandLine(CLI::App& app, int argc, char** argv,
                                    const std::function<void()>& check);
 
-} // namespace manual
+} // namespace tools

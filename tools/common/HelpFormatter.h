@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
-namespace manual {
+namespace tools {
 
 /// The placeholder for an option's value, without the checks that the parser appends to it.
 inline std::string valueName(const CLI::Option& option) {
@@ -31,4 +31,4 @@ public:
     std::string make_option_desc(const CLI::Option* option) const override;
 };
 
-} // namespace manual
+} // namespace tools

@@ -1,8 +1,8 @@
-#include "tools/manual/HelpFormatter.h"
+#include "tools/common/HelpFormatter.h"
 
 #include <sstream>
 
-namespace manual {
+namespace tools {
 
 namespace {
 
@@ -52,4 +52,4 @@ std::string HelpFormatter::make_option_desc(const CLI::Option* option) const {
     return wrapped(describe(*option), columns - nameColumns);
 }
 
-} // namespace manual
+} // namespace tools

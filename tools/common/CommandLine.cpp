@@ -1,9 +1,9 @@
-#include "tools/manual/CommandLine.h"
+#include "tools/common/CommandLine.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 
-namespace manual {
+namespace tools {
 
 namespace {
 
@@ -22,4 +22,4 @@ std::optional<int> readCommandLine(CLI::App& app, int argc, char** argv,
     return std::nullopt;
 }
 
-} // namespace manual
+} // namespace tools
