@@ -1,0 +1,184 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/support/TemporaryDirectory.h"
+#include "tools/azubsim/Recorder.h"
+#include "tools/azubsim/Replay.h"
+
+namespace {
+
+using namespace azubsim;
+using std::chrono::microseconds;
+using testing::IsSubstring;
+
+const std::string header = R"({"format":"azubsim recording","version":2})";
+
+std::string allBytes() {
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte) {
+        all += static_cast<char>(byte);
+    }
+    return all;
+}
+
+// An exchange at a number of microseconds after a fixed time.
+Exchange exchange(int client, long long time, const std::string& request, Reply reply,
+                  const std::string& fault = "") {
+    Exchange exchange;
+    exchange.client = client;
+    exchange.time = std::chrono::system_clock::time_point(
+        std::chrono::seconds(1700000000) + std::chrono::milliseconds(123) + microseconds(time));
+    exchange.request = request;
+    exchange.reply = std::move(reply);
+    exchange.fault = fault;
+    exchange.engineTook = microseconds(113);
+    return exchange;
+}
+
+Reply whole(const std::string& document) {
+    return {{{microseconds(113), document + endMarker}}, Reply::End::Open};
+}
+
+void expectReply(const Reply& reply, const Reply& expected) {
+    ASSERT_EQ(reply.pieces.size(), expected.pieces.size());
+    for (std::size_t i = 0; i < reply.pieces.size(); ++i) {
+        EXPECT_EQ(reply.pieces[i].bytes, expected.pieces[i].bytes);
+        EXPECT_EQ(reply.pieces[i].wait, expected.pieces[i].wait);
+    }
+    EXPECT_EQ(reply.end, expected.end);
+}
+
+class Recording : public testing::Test {
+protected:
+    void record(const std::vector<Exchange>& exchanges) const {
+        Recorder recorder;
+        std::string error;
+        ASSERT_TRUE(recorder.open(file, true, error)) << error;
+        for (const Exchange& exchange : exchanges) {
+            EXPECT_TRUE(recorder.add(exchange));
+        }
+    }
+
+    // Replays these lines and returns the error, or else the note.
+    std::string replay(const std::string& lines, bool isTimed = true) {
+        std::ofstream(file, std::ios::binary) << lines;
+        _replay = {};
+        std::string error;
+        return _replay.open(file, isTimed, error) ? _replay.note() : error;
+    }
+
+    std::string contents() const {
+        std::ifstream stream(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+
+    const tests::TemporaryDirectory directory;
+    const std::string file = directory.path() + "/file";
+    Replay _replay;
+};
+
+TEST_F(Recording, KeepsBytesPiecesTimesAndEnds) {
+    const Reply odd{{{microseconds(1), allBytes()}, {microseconds(1500001), "\xC3\xA9\n\n"}},
+                    Reply::End::Close};
+    const Reply late{{{std::chrono::hours(2), "x"}}, Reply::End::Open};
+    const Reply none{{}, Reply::End::Reset};
+    record({exchange(1, 0, allBytes(), odd, "zero"), exchange(2, 0, "r", late),
+            exchange(3, 0, "r", none)});
+    const std::string lines = contents();
+    EXPECT_PRED_FORMAT2(IsSubstring, R"("utc":"2023-11-14T22:13:20.123000Z","client":1,)", lines);
+    EXPECT_EQ(replay(lines), "");
+    expectReply(_replay.next(), odd);
+    expectReply(_replay.next(), {{{std::chrono::hours(1), "x"}}, Reply::End::Open});
+    EXPECT_FALSE(_replay.hasEnded());
+    expectReply(_replay.next(), none);
+    EXPECT_TRUE(_replay.hasEnded());
+    expectReply(_replay.next(), {{}, Reply::End::Close});
+
+    EXPECT_EQ(replay(lines, false), "");
+    expectReply(_replay.next(), {{{microseconds(0), odd.bytes()}}, Reply::End::Close});
+}
+
+TEST_F(Recording, ReplaysBytesWithoutARequestWithTheAnswerOfTheirClient) {
+    const auto stray = [](int client, long long time, const std::string& bytes) {
+        return exchange(client, time, "", {{{microseconds(1), bytes}}, Reply::End::Close});
+    };
+    const Reply answer{{{microseconds(10), "answer"}}, Reply::End::Open};
+    record({stray(2, 0, "early"), exchange(1, 0, "r", answer), exchange(2, 500, "r", answer),
+            stray(1, 1000, "late"), exchange(1, 2000, "r", answer), exchange(2, 3000, "", {})});
+    EXPECT_EQ(replay(contents()), "");
+    expectReply(_replay.next(),
+                {{{microseconds(1), "early"}, {microseconds(10), "answer"}}, Reply::End::Open});
+    expectReply(_replay.next(),
+                {{{microseconds(10), "answer"}, {microseconds(991), "late"}}, Reply::End::Close});
+    expectReply(_replay.next(), answer);
+    expectReply(_replay.next(), {});
+    EXPECT_TRUE(_replay.hasEnded());
+}
+
+TEST_F(Recording, RefusesWhatIsNoRecording) {
+    const auto line = [](const std::string& piece, const std::string& end = "open") {
+        return R"({"time":1,"client":1,"request":"r","answer":[)" + piece + R"(],"end":")" + end +
+               "\"}\n";
+    };
+    const auto wait = [&](const std::string& ms) {
+        return line(R"({"after_ms":)" + ms + R"(,"bytes":"x"})");
+    };
+    const std::string good = header + '\n' + wait("3600000");
+    const std::string bad = "line 3 is not a recorded exchange: ";
+    EXPECT_EQ(replay(good), "");
+    EXPECT_EQ(replay(""), "line 1 is not the header of a recording");
+    EXPECT_EQ(replay(wait("1")), "line 1 is not the header of a recording");
+    EXPECT_EQ(replay(R"({"format":"azubsim recording"})"), "line 1 has no version");
+    EXPECT_EQ(replay(R"({"format":"azubsim recording","version":3})"),
+              "it has version 3, but only version 2 can be replayed");
+    EXPECT_EQ(replay(header + '\n'), "it contains no exchanges");
+    for (const std::string ms : {"-1", "3600001", "1e300"}) {
+        EXPECT_EQ(replay(good + wait(ms)), bad + "after_ms is not from 0 to 3600000");
+    }
+    for (const std::string ms : {"1e999", "\"1\"", "null"}) {
+        EXPECT_PRED_FORMAT2(IsSubstring, "missing or has the wrong type", replay(good + wait(ms)));
+    }
+    EXPECT_EQ(replay(good + line(R"({"after_ms":1,"bytes":"\u0100"})")),
+              bad + "bytes has a character above U+00FF");
+    EXPECT_EQ(replay(good + "{\"time\":1e300}\n"), bad + "time is not from 0 to 9000000000");
+    EXPECT_EQ(replay(good + line("", "nonsense")), bad + "end is not open, close or reset");
+    EXPECT_EQ(replay(good + line("1")), bad + "after_ms is missing or has the wrong type");
+    const std::string deep(100000, '[');
+    EXPECT_PRED_FORMAT2(IsSubstring, "line 3", replay(good + deep + '\n' + wait("1")));
+    EXPECT_EQ(replay(R"({"format":)" + deep + std::string(deep.size(), ']') + "}"),
+              "line 1 is not the header of a recording");
+}
+
+TEST_F(Recording, IgnoresALastLineThatWasCutShort) {
+    record({exchange(1, 0, "r", whole("first")), exchange(1, 0, "r", whole("second"))});
+    const std::string lines = contents();
+    EXPECT_EQ(replay(lines.substr(0, lines.size() - 1)), "");
+    EXPECT_EQ(replay(lines.substr(0, lines.size() - 2)), "line 3 is unfinished and is left out");
+    expectReply(_replay.next(), whole("first"));
+    EXPECT_TRUE(_replay.hasEnded());
+}
+
+TEST_F(Recording, OverwritesAFileOnlyByForce) {
+    std::ofstream(file) << "precious";
+    Recorder recorder;
+    std::string error;
+    EXPECT_FALSE(recorder.open(file, false, error));
+    EXPECT_EQ(error, "the file exists; --force overwrites it");
+    EXPECT_EQ(contents(), "precious");
+    EXPECT_TRUE(recorder.add({}));
+    EXPECT_TRUE(recorder.open(file, true, error));
+    EXPECT_PRED_FORMAT2(IsSubstring, "{\"format\":", contents());
+    EXPECT_TRUE(Recorder().open("/dev/null", false, error));
+    EXPECT_FALSE(Recorder().open("/dev/full", false, error));
+    EXPECT_EQ(error, "the file cannot be written");
+    EXPECT_FALSE(Recorder().open(directory.path() + "/none/file", false, error));
+    EXPECT_EQ(error, "No such file or directory");
+}
+
+} // namespace

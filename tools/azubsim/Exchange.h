@@ -1,0 +1,35 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "tools/azubsim/Reply.h"
+
+namespace azubsim {
+
+/// A request and what the client got for it.
+struct Exchange {
+    int client = 0;
+    std::chrono::system_clock::time_point time; ///< When the request was complete.
+    std::string request; ///< Without its end marker. Empty for bytes that nobody asked for.
+    Reply reply;         ///< What the client got, with the end markers, and when.
+    std::string fault;   ///< The text of the fault applied to it, or empty.
+
+    /// From the request to the engine's complete answer, without the fault's delay. Zero if
+    /// unknown.
+    std::chrono::microseconds engineTook{0};
+
+    /// The engine sent bytes without a request.
+    bool isUnasked() const { return request.empty() && !reply.pieces.empty(); }
+
+    /// From the request to the last bytes of the reply.
+    std::chrono::microseconds replyTook() const {
+        std::chrono::microseconds all(0);
+        for (const Reply::Piece& piece : reply.pieces) {
+            all += piece.wait;
+        }
+        return all;
+    }
+};
+
+} // namespace azubsim
