@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -8,6 +10,7 @@
 #include <vector>
 
 #include "tests/support/TemporaryDirectory.h"
+#include "tools/azubsim/ExchangeLine.h"
 #include "tools/azubsim/Recorder.h"
 #include "tools/azubsim/Replay.h"
 
@@ -25,6 +28,32 @@ std::string allBytes() {
         all += static_cast<char>(byte);
     }
     return all;
+}
+
+std::string request(const std::string& command) {
+    return "<AZUB version=\"0.1.0\">" + command + "</AZUB>";
+}
+
+const std::string getAudioTs = request("<GetAudioTs_Request />");
+
+std::string result(int code, const std::string& message) {
+    return "<Result><ErrorCode>" + std::to_string(code) + "</ErrorCode><Message>" + message +
+           "</Message></Result>";
+}
+
+// Rendering is half a second after capture, or before it.
+std::string audioAnswer(int code, const std::string& message, bool isLate = true) {
+    const std::string half = isLate ? "2147483648" : "0x80000000";
+    return request("<GetAudioTs_Answer><LipSyncNtpTimestamps><capture_timestamp>" +
+                   (isLate ? "0" : half) + "</capture_timestamp><rendering_timestamp>" +
+                   (isLate ? half : "0") +
+                   "</rendering_timestamp><receiving_timestamp>+9</receiving_timestamp>"
+                   "<jitter_buffer_depth>62</jitter_buffer_depth></LipSyncNtpTimestamps>" +
+                   result(code, message) + "</GetAudioTs_Answer>");
+}
+
+std::string delayAnswer() {
+    return request("<SetAudioDelay_Answer>" + result(1000, "") + "</SetAudioDelay_Answer>");
 }
 
 // An exchange at a number of microseconds after a fixed time.
@@ -179,6 +208,45 @@ TEST_F(Recording, OverwritesAFileOnlyByForce) {
     EXPECT_EQ(error, "the file cannot be written");
     EXPECT_FALSE(Recorder().open(directory.path() + "/none/file", false, error));
     EXPECT_EQ(error, "No such file or directory");
+}
+
+TEST(ExchangeLine, TellsWhatHappened) {
+    setenv("TZ", "UTC0", 1);
+    tzset();
+    const std::string margin = request("<SetAudioDelay_Request>40</SetAudioDelay_Request>");
+    const auto line = [](const std::string& request, const Reply& reply,
+                         const std::string& fault = "") {
+        return exchangeLine(exchange(2, 0, request, reply, fault));
+    };
+    const Reply good = whole(audioAnswer(1000, ""));
+    const std::string start = "22:13:20.123  client 2   ";
+    EXPECT_EQ(line(getAudioTs, good),
+              start + "GetAudioTs         ok    latency 500.0 ms  jitter  62 ms   0.113 ms");
+    EXPECT_EQ(line(getAudioTs, whole(audioAnswer(1000, "", false))),
+              start + "GetAudioTs         ok    latency -500.0 ms  jitter  62 ms   0.113 ms");
+    EXPECT_EQ(line(margin, whole(delayAnswer())),
+              start + "SetAudioDelay 40   ok    margin 40 ms                      0.113 ms");
+    EXPECT_EQ(
+        line(getAudioTs, whole(audioAnswer(1003, "no\n\x1B[2J call")), "error 7"),
+        start +
+            R"(GetAudioTs         1003  "no\x0a\x1b[2J call"              0.113 ms  fault: error 7)");
+
+    Exchange silent = exchange(2, 0, getAudioTs, {{}, Reply::End::Close});
+    silent.engineTook = microseconds(0);
+    EXPECT_EQ(exchangeLine(silent), start + "GetAudioTs         no answer, closed");
+    silent.request.clear();
+    silent.reply = {{{microseconds(0), std::string(17, 'x')}}, Reply::End::Open};
+    EXPECT_EQ(exchangeLine(silent), start + "no request (17 bytes)");
+    silent.request = "<AZUB version='0.2.0'/>";
+    EXPECT_EQ(exchangeLine(silent), start + R"(bad request        unfinished answer (17 bytes)  )"
+                                            R"("version is '0.2.0', expected '0.1.0'")");
+
+    EXPECT_PRED_FORMAT2(IsSubstring, "  ok ", line("?", good));
+    EXPECT_PRED_FORMAT2(IsSubstring, "answer to another command", line(margin, good));
+    EXPECT_PRED_FORMAT2(IsSubstring, "invalid answer (3 bytes)", line(margin, whole("<x>")));
+    EXPECT_PRED_FORMAT2(
+        IsSubstring, "  then 5 more bytes, reset",
+        line(getAudioTs, {{{microseconds(0), good.bytes() + "extra"}}, Reply::End::Reset}));
 }
 
 } // namespace
