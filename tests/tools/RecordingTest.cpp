@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -13,10 +15,12 @@
 #include "tools/azubsim/ExchangeLine.h"
 #include "tools/azubsim/Recorder.h"
 #include "tools/azubsim/Replay.h"
+#include "tools/azubsim/Trace.h"
 
 namespace {
 
 using namespace azubsim;
+using nlohmann::json;
 using std::chrono::microseconds;
 using testing::IsSubstring;
 
@@ -196,18 +200,77 @@ TEST_F(Recording, IgnoresALastLineThatWasCutShort) {
 TEST_F(Recording, OverwritesAFileOnlyByForce) {
     std::ofstream(file) << "precious";
     Recorder recorder;
+    Trace trace;
     std::string error;
     EXPECT_FALSE(recorder.open(file, false, error));
+    EXPECT_FALSE(trace.open(file, false, error));
     EXPECT_EQ(error, "the file exists; --force overwrites it");
     EXPECT_EQ(contents(), "precious");
     EXPECT_TRUE(recorder.add({}));
     EXPECT_TRUE(recorder.open(file, true, error));
     EXPECT_PRED_FORMAT2(IsSubstring, "{\"format\":", contents());
-    EXPECT_TRUE(Recorder().open("/dev/null", false, error));
+    EXPECT_TRUE(trace.open("/dev/null", false, error));
     EXPECT_FALSE(Recorder().open("/dev/full", false, error));
     EXPECT_EQ(error, "the file cannot be written");
     EXPECT_FALSE(Recorder().open(directory.path() + "/none/file", false, error));
     EXPECT_EQ(error, "No such file or directory");
+}
+
+// Checks one event against the rules of the format. `ends` has the end of each track's last slice.
+void checkEvent(const json& event, std::map<int, long long>& ends) {
+    const std::string phase = event.at("ph");
+    EXPECT_TRUE(event.at("name").is_string() && event.at("pid").is_number()) << event;
+    const int track = event.at("tid");
+    if (phase == "M") {
+        EXPECT_TRUE(event.at("args").at("name").is_string()) << event;
+        return;
+    }
+    EXPECT_GE(event.at("ts").get<double>(), 1.7e15) << event;
+    if (phase == "X") {
+        const long long start = event["ts"];
+        const long long length = event.at("dur");
+        EXPECT_GE(length, 0) << event;
+        EXPECT_GE(start, ends[track]) << event;
+        ends[track] = start + length;
+    } else if (phase == "C") {
+        EXPECT_TRUE(event.at("args").at("ms").is_number()) << event;
+    } else {
+        EXPECT_EQ(phase + event.at("s").get<std::string>(), "it") << event;
+    }
+}
+
+TEST_F(Recording, TraceObeysTheRulesOfItsFormat) {
+    std::string error;
+    {
+        Trace trace;
+        ASSERT_TRUE(trace.open(file, false, error)) << error;
+        Exchange slow = exchange(1, 0, getAudioTs, whole(audioAnswer(1000, "\xFF")), "delay 1");
+        slow.reply.pieces[0].wait = microseconds(900);
+        trace.add(slow);
+        trace.add(exchange(1, 100, request("<SetAudioDelay_Request>40</SetAudioDelay_Request>"),
+                           whole(delayAnswer())));
+        trace.add(exchange(2, 50, getAudioTs, whole(audioAnswer(1003, "no call"))));
+        trace.add(exchange(1, 600, allBytes(), {{}, Reply::End::Close}, allBytes()));
+        // What a killed program leaves: the same without the bracket.
+        const std::string killed = contents();
+        EXPECT_TRUE(json::accept(killed + "]"));
+    }
+    std::map<int, long long> ends;
+    std::map<std::string, int> events;
+    std::string figures;
+    for (const json& event : json::parse(contents())) {
+        checkEvent(event, ends);
+        ++events[event["ph"]];
+        if (event["ph"] == "C") {
+            figures += event["name"].get<std::string>() + ' ' + event["args"]["ms"].dump() + ' ';
+        }
+        if (event["ph"] == "X" && event["tid"] == 2) {
+            EXPECT_EQ(event["dur"], 113);
+            EXPECT_EQ(event["args"]["message"], "no call");
+        }
+    }
+    EXPECT_EQ(events, (std::map<std::string, int>{{"M", 3}, {"X", 4}, {"C", 3}, {"i", 2}}));
+    EXPECT_EQ(figures, "audio latency 500.0 jitter depth 62 margin 40 ");
 }
 
 TEST(ExchangeLine, TellsWhatHappened) {
