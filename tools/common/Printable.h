@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace tools {
+
+/// Makes text from another program safe for a terminal. A newline becomes `\n`; every byte of a
+/// control character, of any other character that the locale cannot print, or of an invalid
+/// sequence becomes `\xNN`. The rest stays. Uses the program's LC_CTYPE: call `setlocale` first.
+std::string printable(const std::string& text);
+
+} // namespace tools
