@@ -58,12 +58,16 @@ if(ZUBLIPSYNCAPI_TOOLS)
         set_target_properties(lipsyncctl PROPERTIES
             INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
     endif()
-    set(manual_dir ${PROJECT_BINARY_DIR}/tools)
     install(TARGETS azubsim lipsyncctl DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-    install(FILES ${manual_dir}/azubsim.1 ${manual_dir}/lipsyncctl.1
-        DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
     foreach(tool azubsim lipsyncctl)
-        install(FILES ${manual_dir}/${tool}.bash RENAME ${tool}
+        install(FILES tools/${tool}/${tool}.bash RENAME ${tool}
             DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+        if(TARGET manuals)
+            install(FILES ${PROJECT_BINARY_DIR}/tools/${tool}.1
+                DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
+        endif()
     endforeach()
+    file(GLOB scenarios CONFIGURE_DEPENDS tools/azubsim/scenarios/*.scenario)
+    install(FILES ${scenarios} DESTINATION ${CMAKE_INSTALL_DATADIR}/zublipsync-tools/scenarios
+        COMPONENT tools)
 endif()

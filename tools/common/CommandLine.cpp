@@ -13,6 +13,8 @@ constexpr int exitUsage = 2;
 
 std::optional<int> readCommandLine(CLI::App& app, int argc, char** argv,
                                    const std::function<void()>& check) {
+    app.set_version_flag("--version", app.get_name() + ' ' + TOOLS_VERSION,
+                         "Print the version and exit");
     try {
         app.parse(argc, argv);
         check();

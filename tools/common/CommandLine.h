@@ -9,9 +9,10 @@ class App;
 
 namespace tools {
 
-/// Parses the command line with the declarations in `app`, then calls `check`, which throws a
+/// Declares --version in `app`. Parses the command line, then calls `check`, which throws a
 /// `CLI::ParseError` for a missing option or an invalid value; an unknown argument is reported
-/// first. Prints the help or the error and returns the exit status if the program must exit.
+/// first. Prints the help, the version or the error and returns the exit status if the program must
+/// exit.
 std::optional<int> readCommandLine(CLI::App& app, int argc, char** argv,
                                    const std::function<void()>& check);
 
