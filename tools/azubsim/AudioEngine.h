@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace azubsim {
@@ -22,12 +23,38 @@ struct Timestamps {
 
 /// The audio side of a call: packets arrive from a network, wait in a jitter buffer, and go to the
 /// loudspeaker.
+///
+/// Nothing here reads a clock. What depends on the time gets it as an argument.
 class AudioEngine {
 public:
     using Clock = std::chrono::system_clock;
+    using Ms = std::chrono::milliseconds;
 
     bool isInCall() const { return _inCall; }
     void setInCall(bool inCall) { _inCall = inCall; }
+
+    /// The one-way delay from the far end to here.
+    Ms network() const { return _network; }
+    void setNetwork(Ms delay) { _network = delay; }
+
+    /// The depth of the jitter buffer. Without a value it varies between 20 and 120 ms.
+    std::optional<Ms> jitter() const { return _jitter; }
+    void setJitter(std::optional<Ms> depth) { _jitter = depth; }
+
+    /// How far the far end's clock, which gives the capture timestamps, is ahead at this time, in
+    /// ms. To set it forgets what a drift has added; the drift goes on from there.
+    double offsetMs(Clock::time_point now) const;
+    void setOffsetMs(double offset, Clock::time_point now);
+
+    /// How fast the far end's clock gains, in parts per million. A new drift starts at the present
+    /// offset, so the clock does not jump.
+    double driftPpm() const { return _driftPpm; }
+    void setDriftPpm(double drift, Clock::time_point now);
+
+    /// A frozen engine repeats the timestamps that it had when it froze.
+    bool isFrozen() const { return _frozen.has_value(); }
+    void freeze(Clock::time_point now);
+    void unfreeze() { _frozen.reset(); }
 
     /// When the packet that arrived last was captured and received, and when it will be rendered:
     /// the margin is added to the rendering time.
@@ -35,10 +62,22 @@ public:
 
     /// Accepts multiples of 20 ms up to 100 ms.
     Verdict setMargin(std::uint64_t marginMs);
+    Ms margin() const { return _margin; }
+
+    /// An engine that has been away comes back without a margin.
+    void resetMargin() { _margin = Ms(0); }
 
 private:
+    Timestamps measure(Clock::time_point now) const;
+
     bool _inCall = true;
-    std::chrono::milliseconds _margin{0};
+    Ms _margin{0};
+    Ms _network{60};
+    std::optional<Ms> _jitter;
+    double _offsetMs = 0; ///< At `_offsetSet`.
+    double _driftPpm = 0;
+    Clock::time_point _offsetSet;
+    std::optional<Timestamps> _frozen;
 };
 
 } // namespace azubsim
