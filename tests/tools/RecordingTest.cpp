@@ -137,18 +137,14 @@ TEST_F(Recording, KeepsBytesPiecesTimesAndEnds) {
     expectReply(_replay.next(), {{{microseconds(0), odd.bytes()}}, Reply::End::Close});
 }
 
-TEST_F(Recording, ReplaysBytesWithoutARequestWithTheAnswerOfTheirClient) {
-    const auto stray = [](int client, long long time, const std::string& bytes) {
-        return exchange(client, time, "", {{{microseconds(1), bytes}}, Reply::End::Close});
-    };
+TEST_F(Recording, ReplaysBytesWithoutARequestWithTheAnswerBeforeThem) {
     const Reply answer{{{microseconds(10), "answer"}}, Reply::End::Open};
-    record({stray(2, 0, "early"), exchange(1, 0, "r", answer), exchange(2, 500, "r", answer),
-            stray(1, 1000, "late"), exchange(1, 2000, "r", answer), exchange(2, 3000, "", {})});
+    const Reply stray{{{microseconds(1), "late"}}, Reply::End::Close};
+    record({exchange(1, 0, "r", answer), exchange(1, 1000, "", stray), exchange(2, 0, "r", answer),
+            exchange(2, 3000, "", {})});
     EXPECT_EQ(replay(contents()), "");
     expectReply(_replay.next(),
-                {{{microseconds(1), "early"}, {microseconds(10), "answer"}}, Reply::End::Open});
-    expectReply(_replay.next(),
-                {{{microseconds(10), "answer"}, {microseconds(991), "late"}}, Reply::End::Close});
+                {{{microseconds(10), "answer"}, {microseconds(1), "late"}}, Reply::End::Close});
     expectReply(_replay.next(), answer);
     expectReply(_replay.next(), {});
     EXPECT_TRUE(_replay.hasEnded());
@@ -179,7 +175,6 @@ TEST_F(Recording, RefusesWhatIsNoRecording) {
     }
     EXPECT_EQ(replay(good + line(R"({"after_ms":1,"bytes":"\u0100"})")),
               bad + "bytes has a character above U+00FF");
-    EXPECT_EQ(replay(good + "{\"time\":1e300}\n"), bad + "time is not from 0 to 9000000000");
     EXPECT_EQ(replay(good + line("", "nonsense")), bad + "end is not open, close or reset");
     EXPECT_EQ(replay(good + line("1")), bad + "after_ms is missing or has the wrong type");
     const std::string deep(100000, '[');
@@ -292,7 +287,7 @@ TEST(ExchangeLine, TellsWhatHappened) {
     EXPECT_EQ(
         line(getAudioTs, whole(audioAnswer(1003, "no\n\x1B[2J call")), "error 7"),
         start +
-            R"(GetAudioTs         1003  "no\x0a\x1b[2J call"              0.113 ms  fault: error 7)");
+            R"(GetAudioTs         1003  "no\n\x1b[2J call"                0.113 ms  fault: error 7)");
 
     Exchange silent = exchange(2, 0, getAudioTs, {{}, Reply::End::Close});
     silent.engineTook = microseconds(0);

@@ -1,4 +1,7 @@
 #include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <memory>
 
 #include "tests/tools/Engine.h"
 #include "tools/azubsim/AudioEngine.h"
@@ -26,6 +29,20 @@ double onTheWayMs(const AudioEngine& engine, AudioEngine::Clock::time_point now)
     const Timestamps result = timestamps(engine, now);
     return static_cast<double>(static_cast<std::int64_t>(result.receiving - result.capture)) /
            unitsPerMs;
+}
+
+// Pictures in each second, from the rows of the pipeline's output.
+std::vector<int> picturesPerSecond(const std::string& output) {
+    std::vector<int> pictures;
+    const std::regex row(" *[0-9]+ +([0-9]+) .*");
+    std::istringstream lines(output);
+    std::smatch cells;
+    for (std::string line; std::getline(lines, line);) {
+        if (std::regex_match(line, cells, row)) {
+            pictures.push_back(std::stoi(cells[1]));
+        }
+    }
+    return pictures;
 }
 
 } // namespace
@@ -69,4 +86,70 @@ TEST_F(Scenario, TimestampsDoNotWrapBelowZero) {
     const AudioEngine::Clock::time_point in1900{-seconds(2208988800)};
     engine.setOffsetMs(-1000, in1900);
     EXPECT_EQ(timestamps(engine, in1900).capture, 0U);
+}
+
+TEST_F(Scenario, StatusShowsWhatCommandsChanged) {
+    const tests::Engine engine(socket);
+    const auto replyTo = [&](const std::string& commands) {
+        engine.write(commands + "status\n");
+        engine.readUntil("margin 0 ms\n");
+        return engine.readUntil("verbose off\n");
+    };
+    const std::string atFirst = replyTo("");
+    EXPECT_EQ(replyTo("call off\nnetwork 90\njitter 30\n offset  -2000 \nfreeze on\nfault cut\n"
+                      "every 3\nseed 7\ndrift 1.5\ndrift -0\ndrift 100000.1\n"),
+              "call off\nnetwork 90 ms\njitter 30 ms\noffset -2000 ms\ndrift 0 ppm\nfreeze on\n"
+              "clients 0\nfault cut\nevery 3\nseed 7\nverbose off\n");
+    EXPECT_EQ(replyTo("call on\nnetwork 60\njitter auto\noffset 0\nfreeze off\nfault none\n"
+                      "every 1\nseed none\n"),
+              atFirst);
+}
+
+TEST_F(Scenario, MistakesAreNamedWithTheirLine) {
+    const std::string file = directory.path() + "/trouble.scenario";
+    const auto expectError = [&](const std::string& line, const std::string& error) {
+        std::ofstream(file) << "# Trouble\n\n1.5 drift -0.5\n" << line;
+        expectFailure(AZUBSIM, "--scenario " + file + at, 1, "azubsim: " + file + ":4: " + error);
+    };
+    expectError("2 nonsense", "invalid command: nonsense\n");
+    expectError("2 network 10001\n3 nonsense",
+                "invalid command: network 10001: MS must be a whole number from 0 to 10000\n");
+    expectError("2 drift", "invalid command: drift: needs an argument: PPM\n");
+    expectError("2 fault nonsense", "invalid command: fault nonsense: unknown fault 'nonsense'\n");
+    expectError("1 call off", "time 1 is earlier than the time before it, 1.5\n");
+    expectError("call off", "time 'call' must be a number of seconds from 0 to 86400\n");
+    expectError("2", "no command after the time\n");
+    EXPECT_FALSE(std::filesystem::exists(socket));
+    expectFailure(AZUBSIM, "--scenario " + file + "/x" + at, 1,
+                  "azubsim: " + file + "/x: Not a directory\n");
+}
+
+TEST_F(Scenario, ThePicturesOfTheExampleGoOnInAllShippedOnes) {
+    struct Run {
+        std::string firstTrouble;
+        std::unique_ptr<tests::Engine> engine;
+        std::unique_ptr<tests::Process> pipeline;
+    };
+    std::vector<Run> runs;
+    const auto play = [&](const std::string& name, const std::string& firstTrouble) {
+        const std::string path = directory.path() + '/' + name;
+        const std::vector<std::string> options{"--scenario", SCENARIOS "/" + name + ".scenario"};
+        const std::vector<std::string> command{VIDEO_PIPELINE, "--socket", path, "--seconds", "10"};
+        runs.push_back({firstTrouble, std::make_unique<tests::Engine>(path, options),
+                        std::make_unique<tests::Process>(command)});
+    };
+    play("drifting-clock", "3 s: drift 2000 -> drift 2000 ppm\n");
+    play("bad-network", "8 s: freeze on -> freeze on\n");
+    play("restarting-engine", "3 s: down 2 -> down 2 s\n");
+    for (const Run& run : runs) {
+        const std::string output = run.pipeline->readAll();
+        const std::vector<int> pictures = picturesPerSecond(output);
+        EXPECT_EQ(pictures.size(), 10U) << output;
+        for (const int count : pictures) {
+            EXPECT_GE(count, 20) << output;
+        }
+        run.engine->signal(SIGTERM);
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, "scenario " + run.firstTrouble,
+                            run.engine->readAll());
+    }
 }

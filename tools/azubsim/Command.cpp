@@ -11,6 +11,7 @@ namespace azubsim {
 namespace {
 
 using Kind = Command::Kind;
+using Needs = Command::Needs;
 using Value = Command::Value;
 using Clock = AudioEngine::Clock;
 using std::chrono::milliseconds;
@@ -78,32 +79,32 @@ void quit(const Controls& controls, const Value&) {
 
 const std::vector<Command>& Command::all() {
     static const std::vector<Command> commands{
-        {"call", "on|off", "start or end the call; outside it requests get error 1003", true,
-         Kind::Switch, 0, 0, "", setCall},
-        {"network", "MS", "set the one-way delay of the network; at first 60", true,
+        {"call", "on|off", "start or end the call; outside it requests get error 1003",
+         Needs::Simulation, Kind::Switch, 0, 0, "", setCall},
+        {"network", "MS", "set the one-way delay of the network; at first 60", Needs::Simulation,
          Kind::WholeNumber, 0, 10000, " ms", setNetwork},
-        {"jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary", true,
-         Kind::WholeNumber, 0, 10000, " ms", setJitter},
-        {"offset", "MS", "set the far end's clock fast; below 0, slow", true, Kind::WholeNumber,
-         -largestOffsetMs, largestOffsetMs, " ms", setOffset},
-        {"drift", "PPM", "let the far end's clock gain from now on; below 0, lose", true,
-         Kind::Number, -100000, 100000, " ppm", setDrift},
-        {"freeze", "on|off", "repeat the same timestamps while the call goes on", true,
+        {"jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary",
+         Needs::Simulation, Kind::WholeNumber, 0, 10000, " ms", setJitter},
+        {"offset", "MS", "set the far end's clock fast; below 0, slow", Needs::Simulation,
+         Kind::WholeNumber, -largestOffsetMs, largestOffsetMs, " ms", setOffset},
+        {"drift", "PPM", "let the far end's clock gain from now on; below 0, lose",
+         Needs::Simulation, Kind::Number, -100000, 100000, " ppm", setDrift},
+        {"freeze", "on|off", "repeat the same timestamps while the call goes on", Needs::Simulation,
          Kind::Switch, 0, 0, "", setFreeze},
-        {"down", "SECONDS", "go away: close everything, then come back with margin 0", false,
-         Kind::Number, 0, 3600, " s", goDown},
-        {"fault", "FAULT|none", "apply this fault instead of all previous ones, or none", false,
-         Kind::Fault, 0, 0, "", setFault},
-        {"every", "N", "apply a fault to one answer in N", false, Kind::WholeNumber, 1, 1e9, "",
-         setEvery},
-        {"seed", "S|none", "choose at random which answers get which fault, or in turn", false,
-         Kind::WholeNumber, 0, UINT32_MAX, "", setSeed},
-        {"verbose", "on|off", "print each message to standard error", false, Kind::Switch, 0, 0, "",
-         setVerbose},
-        {"status", "", "print these settings", false, Kind::NoArgument, 0, 0, "", nullptr},
-        {"help", "", "list the commands and the faults", false, Kind::NoArgument, 0, 0, "",
+        {"down", "SECONDS", "go away: close everything, then come back with margin 0",
+         Needs::Nothing, Kind::Number, 0, 3600, " s", goDown},
+        {"fault", "FAULT|none", "apply this fault instead of all previous ones, or none",
+         Needs::Answers, Kind::Fault, 0, 0, "", setFault},
+        {"every", "N", "apply a fault to one answer in N", Needs::Answers, Kind::WholeNumber, 1,
+         1e9, "", setEvery},
+        {"seed", "S|none", "choose at random which answers get which fault, or in turn",
+         Needs::Answers, Kind::WholeNumber, 0, UINT32_MAX, "", setSeed},
+        {"verbose", "on|off", "print each message to standard error", Needs::Nothing, Kind::Switch,
+         0, 0, "", setVerbose},
+        {"status", "", "print these settings", Needs::Nothing, Kind::NoArgument, 0, 0, "", nullptr},
+        {"help", "", "list the commands and the faults", Needs::Nothing, Kind::NoArgument, 0, 0, "",
          nullptr},
-        {"quit", "", "exit", false, Kind::NoArgument, 0, 0, "", quit},
+        {"quit", "", "exit", Needs::Nothing, Kind::NoArgument, 0, 0, "", quit},
     };
     return commands;
 }
@@ -152,6 +153,13 @@ bool Command::parseNumber(const std::string& text, double& number, std::string& 
 
 std::string Command::confirm(const std::string& line, const Value& value) const {
     return value.isWord ? line : line + unit;
+}
+
+bool Command::suits(Source source, std::string& error) const {
+    error = source == Source::Tap ? "only a simulated engine can do this, but a real engine answers"
+                                  : "it has no effect, because a recording answers";
+    return source == Source::Simulation || needs == Needs::Nothing ||
+           (source == Source::Tap && needs == Needs::Answers);
 }
 
 } // namespace azubsim

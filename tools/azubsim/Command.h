@@ -13,6 +13,9 @@ namespace azubsim {
 struct Command {
     enum class Kind { NoArgument, Switch, WholeNumber, Number, Fault };
 
+    /// What must be there for the command to have an effect.
+    enum class Needs { Nothing, Answers, Simulation };
+
     /// The argument after the check.
     struct Value {
         bool isOn = false;
@@ -24,7 +27,7 @@ struct Command {
     const char* name;
     const char* argument; ///< Its placeholder, which may end with "|WORD"; empty if there is none.
     const char* effect;   ///< For the help.
-    bool isForEngine;     ///< Only the simulated engine can do it.
+    Needs needs;
     Kind kind;
     double smallest; ///< The limits of a number.
     double largest;
@@ -42,6 +45,9 @@ struct Command {
 
     /// The confirmation of a line that was carried out.
     std::string confirm(const std::string& line, const Value& value) const;
+
+    /// Returns false, with the reason in `error`, if the command would have no effect.
+    bool suits(Source source, std::string& error) const;
 
 private:
     bool parseNumber(const std::string& text, double& number, std::string& error) const;

@@ -43,12 +43,8 @@ bool Commands::parse(const std::string& line, Action& action, std::string& error
     }
     Command::Value value;
     std::string reason;
-    if (!command->parse(words.rest, value, reason)) {
+    if (!command->parse(words.rest, value, reason) || !command->suits(_controls.source, reason)) {
         error += ": " + reason;
-        return false;
-    }
-    if (command->isForEngine && _controls.isTap) {
-        error += ": only a simulated engine can do this, but a real engine answers";
         return false;
     }
     if (command->apply == nullptr) {
@@ -72,8 +68,12 @@ std::string Commands::table() {
 }
 
 std::string Commands::status() const {
-    std::string text = _controls.isTap ? "" : engineStatus();
-    text += "clients " + std::to_string(_controls.clients()) + '\n' + faultStatus();
+    const bool isSimulation = _controls.source == Source::Simulation;
+    std::string text = isSimulation ? engineStatus() : "";
+    text += "clients " + std::to_string(_controls.clients()) + '\n';
+    if (_controls.source != Source::Recording) {
+        text += faultStatus();
+    }
     if (scenarioStatus) {
         text += scenarioStatus() + '\n';
     }

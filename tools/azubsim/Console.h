@@ -1,34 +1,55 @@
 #pragma once
 
+#include <asio/io_context.hpp>
+#include <asio/posix/stream_descriptor.hpp>
+#include <asio/signal_set.hpp>
+#include <asio/steady_timer.hpp>
+#include <memory>
 #include <string>
 
-#include "tools/azubsim/Simulator.h"
+#include "tools/azubsim/Commands.h"
+#include "tools/azubsim/LineEditor.h"
+#include "tools/azubsim/Screen.h"
 
 namespace azubsim {
 
-/// Reads commands from standard input and changes the simulator's settings.
+/// Reads commands from standard input: on a terminal with line editing, else line by line.
 class Console {
 public:
-    explicit Console(Simulator& simulator);
+    Console(asio::io_context& io, const Commands& commands, Screen& screen);
 
-    /// Prints the prompt if standard input is a terminal.
-    void prompt() const;
+    /// Restores the terminal.
+    ~Console();
 
-    /// Reads available input and executes its lines. Returns false at end of input and after
-    /// "quit", which also sets `wantsToQuit`.
-    bool read();
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
 
-    bool wantsToQuit() const { return _wantsToQuit; }
+    /// Reads until the end of standard input or until "quit". Ignores the signal that would stop
+    /// this process when it reads from a terminal in the background.
+    void start();
 
 private:
-    std::string execute(const std::string& line);
-    std::string executeFault(const std::string& argument);
-    std::string status() const;
+    void openEditor();
+    void attend();
+    void wait();
+    void waitForForeground();
+    void waitForStop();
+    void setBlocking(bool isBlocking);
+    void read();
+    void edit(const std::string& bytes);
+    void split(const std::string& bytes);
+    void end(const std::string& reason);
+    void execute(const std::string& line);
 
-    Simulator& _simulator;
-    bool _isTerminal;
-    bool _wantsToQuit = false;
-    std::string _input;
+    const Commands& _commands;
+    Screen& _screen;
+    asio::posix::stream_descriptor _input;
+    asio::steady_timer _timer;
+    asio::signal_set _stop;
+    bool _hasTerminal;
+    bool _hasRead = false;
+    std::unique_ptr<LineEditor> _editor;
+    std::string _line; ///< Without an editor: the start of a line.
 };
 
 } // namespace azubsim

@@ -1,74 +1,60 @@
 #include "tools/azubsim/Document.h"
 
 #include <cstdint>
+#include <sstream>
 
 namespace azubsim {
 
 namespace {
 
-std::string escaped(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        switch (c) {
-            case '&': result += "&amp;"; break;
-            case '<': result += "&lt;"; break;
-            case '"': result += "&quot;"; break;
-            case '>': result += "&gt;"; break;
-            default: result += c;
-        }
-    }
-    return result;
+pugi::xml_node addCommand(pugi::xml_document& document, const char* name) {
+    pugi::xml_node root = document.append_child("AZUB");
+    root.append_attribute("version") = "0.1.0";
+    return root.append_child(name);
 }
 
-void print(const Element& element, std::string& out) {
-    out += '<' + element.name;
-    if (element.text.empty() && element.children.empty()) {
-        out += " />";
-        return;
-    }
-    out += '>' + escaped(element.text);
-    for (const Element& child : element.children) {
-        print(child, out);
-    }
-    out += "</" + element.name + '>';
+void addNumber(pugi::xml_node parent, const char* name, std::uint64_t value) {
+    parent.append_child(name).text() = static_cast<unsigned long long>(value);
 }
 
-Element number(const char* name, std::uint64_t value) {
-    return {name, std::to_string(value), {}};
-}
-
-Element result(const Verdict& verdict) {
-    return {"Result",
-            "",
-            {{"ErrorCode", std::to_string(verdict.code), {}}, {"Message", verdict.message, {}}}};
+void addResult(pugi::xml_node command, const Verdict& verdict) {
+    pugi::xml_node result = command.append_child("Result");
+    result.append_child("ErrorCode").text() = verdict.code;
+    pugi::xml_node message = result.append_child("Message");
+    if (!verdict.message.empty()) {
+        message.text() = verdict.message.c_str();
+    }
 }
 
 } // namespace
 
-std::string Document::print() const {
-    std::string out = "<?xml version=\"1.0\" ?><AZUB version=\"" + escaped(version) + "\">";
-    azubsim::print(command, out);
-    return out + "</AZUB>";
+std::string timestampsAnswer(const Timestamps& timestamps, const Verdict& verdict) {
+    pugi::xml_document document;
+    const pugi::xml_node command = addCommand(document, "GetAudioTs_Answer");
+    pugi::xml_node record = pugi::xml_node(command).append_child("LipSyncNtpTimestamps");
+    addNumber(record, "capture_timestamp", timestamps.capture);
+    addNumber(record, "rendering_timestamp", timestamps.rendering);
+    addNumber(record, "receiving_timestamp", timestamps.receiving);
+    addNumber(record, "jitter_buffer_depth", timestamps.jitterDepthMs);
+    addResult(command, verdict);
+    return print(document);
 }
 
-Document timestampsAnswer(const Timestamps& timestamps, const Verdict& verdict) {
-    Document document;
-    document.command = {"GetAudioTs_Answer",
-                        "",
-                        {{"LipSyncNtpTimestamps",
-                          "",
-                          {number("capture_timestamp", timestamps.capture),
-                           number("rendering_timestamp", timestamps.rendering),
-                           number("receiving_timestamp", timestamps.receiving),
-                           number("jitter_buffer_depth", timestamps.jitterDepthMs)}},
-                         result(verdict)}};
-    return document;
+std::string delayAnswer(const Verdict& verdict) {
+    pugi::xml_document document;
+    addResult(addCommand(document, "SetAudioDelay_Answer"), verdict);
+    return print(document);
 }
 
-Document delayAnswer(const Verdict& verdict) {
-    Document document;
-    document.command = {"SetAudioDelay_Answer", "", {result(verdict)}};
-    return document;
+std::string print(const pugi::xml_document& document) {
+    std::ostringstream printed;
+    document.save(printed, "", pugi::format_raw | pugi::format_no_declaration);
+    std::string text = printed.str();
+    // The engine puts a blank there, and the printer does not.
+    for (std::size_t end = 0; (end = text.find("/>", end)) != std::string::npos; end += 3) {
+        text.insert(end, " ");
+    }
+    return "<?xml version=\"1.0\" ?>" + text;
 }
 
 } // namespace azubsim

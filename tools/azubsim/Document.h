@@ -1,28 +1,17 @@
 #pragma once
 
+#include <pugixml.hpp>
 #include <string>
-#include <vector>
 
 #include "tools/azubsim/AudioEngine.h"
 
 namespace azubsim {
 
-struct Element {
-    std::string name;
-    std::string text;
-    std::vector<Element> children;
-};
+/// The answers of the engine, as it prints them, without the end marker.
+std::string timestampsAnswer(const Timestamps& timestamps, const Verdict& verdict);
+std::string delayAnswer(const Verdict& verdict);
 
-/// The document of an answer; it is valid unless a fault has changed it.
-struct Document {
-    std::string version = "0.1.0";
-    Element command;
-
-    /// The document on one line, without the end marker.
-    std::string print() const;
-};
-
-Document timestampsAnswer(const Timestamps& timestamps, const Verdict& verdict);
-Document delayAnswer(const Verdict& verdict);
+/// Prints a document as the engine does: on one line, and with its own declaration.
+std::string print(const pugi::xml_document& document);
 
 } // namespace azubsim

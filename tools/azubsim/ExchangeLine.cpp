@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "tools/azubsim/Summary.h"
+#include "tools/common/Printable.h"
 
 namespace azubsim {
 
@@ -27,18 +28,9 @@ std::string padded(std::string text, std::size_t width) {
     return text;
 }
 
-std::string printable(const std::string& text) {
-    std::string result;
-    for (const char c : text) {
-        const bool isPlain = c >= ' ' && c <= '~';
-        result += isPlain ? std::string(1, c) : format("\\x%02x", static_cast<unsigned char>(c));
-    }
-    return result;
-}
-
 // Text from outside as it may be shown on a terminal.
 std::string shown(const std::string& text) {
-    return printable(text.substr(0, maxText)) + (text.size() > maxText ? "..." : "");
+    return tools::printable(text.substr(0, maxText)) + (text.size() > maxText ? "..." : "");
 }
 
 std::string timeOfDay(system_clock::time_point time) {

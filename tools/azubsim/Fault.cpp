@@ -1,7 +1,11 @@
 #include "tools/azubsim/Fault.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <pugixml.hpp>
+#include <string_view>
 
+#include "tools/azubsim/Document.h"
 #include "tools/azubsim/Words.h"
 
 namespace azubsim {
@@ -23,23 +27,68 @@ bool isElement(const std::string& name) {
     return name.find(' ') == std::string::npos && names.find(' ' + name + ' ') != std::string::npos;
 }
 
-void remove(Element& element, const std::string& name) {
-    auto& children = element.children;
-    children.erase(std::remove_if(children.begin(), children.end(),
-                                  [&](const Element& child) { return child.name == name; }),
-                   children.end());
-    for (Element& child : children) {
-        remove(child, name);
+// Calls `change` with every element, after the elements inside it.
+template <typename Change>
+void forEachElement(pugi::xml_node parent, const Change& change) {
+    for (pugi::xml_node child = parent.first_child(); child;) {
+        const pugi::xml_node next = child.next_sibling();
+        if (child.type() == pugi::node_element) {
+            forEachElement(child, change);
+            change(child);
+        }
+        child = next;
     }
 }
 
-void setNumbers(Element& element, const std::string& text) {
-    for (Element& child : element.children) {
-        setNumbers(child, text);
+bool hasElements(pugi::xml_node element) {
+    const auto children = element.children();
+    return std::any_of(children.begin(), children.end(),
+                       [](pugi::xml_node child) { return child.type() == pugi::node_element; });
+}
+
+void setText(pugi::xml_node element, const std::string& text) {
+    element.remove_children();
+    if (!text.empty()) {
+        element.text() = text.c_str();
     }
-    if (element.children.empty() && element.name != "Message") {
-        element.text = text;
+}
+
+void setVerdict(pugi::xml_node root, int code, const std::string& message) {
+    forEachElement(root, [&](pugi::xml_node element) {
+        const std::string_view name = element.name();
+        if (name == "ErrorCode") {
+            setText(element, std::to_string(code));
+        } else if (name == "Message") {
+            setText(element, message);
+        }
+    });
+}
+
+void setNumbers(pugi::xml_node root, const std::string& text) {
+    forEachElement(root, [&](pugi::xml_node element) {
+        if (!hasElements(element) && std::string_view(element.name()) != "Message") {
+            setText(element, text);
+        }
+    });
+}
+
+void remove(pugi::xml_node root, const std::string& name) {
+    forEachElement(root, [&](pugi::xml_node element) {
+        if (element.name() == name) {
+            element.parent().remove_child(element);
+        }
+    });
+}
+
+// Delivers the answer after a change to its root element.
+template <typename Change>
+Reply edited(const std::string& answer, const Change& change) {
+    pugi::xml_document document;
+    if (!document.load_buffer(answer.data(), answer.size())) {
+        return deliver(answer);
     }
+    change(document.document_element());
+    return deliver(print(document));
 }
 
 // One write per byte, far enough apart that the client reads each byte separately.
@@ -68,8 +117,9 @@ const std::vector<Fault::Description>& Fault::descriptions() {
         {Kind::Double, "double", "", "send the answer twice in one write"},
         {Kind::Zero, "zero", "", "insert a zero byte in the middle of the document"},
         {Kind::Silence, "silence", "", "send no answer and keep the connection open"},
-        {Kind::Delay, "delay", "MS", "send the answer MS milliseconds late"},
-        {Kind::Flood, "flood", "", "send bytes without an end marker, then close"},
+        {Kind::Delay, "delay", "MS [SPREAD]",
+         "send the answer MS ms late, plus or minus SPREAD ms"},
+        {Kind::Flood, "flood", "[BYTES]", "send bytes without an end marker, then close"},
         {Kind::Reset, "reset", "", "reset the connection"},
     };
     return all;
@@ -84,10 +134,13 @@ bool Fault::parse(const std::string& text, Fault& fault, std::string& error) {
             continue;
         }
         const bool takesArgument = *description.argument != '\0';
-        if (takesArgument == argument.empty()) {
-            error = "fault '" + name + "' " +
-                    (takesArgument ? std::string("needs an argument: ") + description.argument
-                                   : "takes no argument, but got '" + argument + "'");
+        const bool needsArgument = takesArgument && *description.argument != '[';
+        if (needsArgument && argument.empty()) {
+            error = "fault '" + name + "' needs an argument: " + description.argument;
+            return false;
+        }
+        if (!takesArgument && !argument.empty()) {
+            error = "fault '" + name + "' takes no argument, but got '" + argument + "'";
             return false;
         }
         fault._kind = description.kind;
@@ -107,48 +160,66 @@ bool Fault::setArgument(const std::string& argument, std::string& error) {
         return parseNumber(words.first, _number);
     }
     if (_kind == Kind::Delay) {
-        error = "delay '" + argument + "' is not a number of ms from 0 to " +
-                std::to_string(maxDelayMs);
-        return parseNumber(argument, _number) && _number >= 0 && _number <= maxDelayMs;
+        return setDelay(argument, error);
+    }
+    if (_kind == Kind::Flood) {
+        _number = 16777216;
+        error = "flood '" + argument + "' is not a number of bytes from 1 to 268435456";
+        return argument.empty() ||
+               (parseNumber(argument, _number) && _number > 0 && _number <= 268435456);
     }
     error = "unknown element '" + argument + "'; answers have " + elementNames;
     return _kind != Kind::Missing || isElement(argument);
 }
 
-void Fault::spoil(Verdict& verdict) const {
-    if (_kind == Kind::Error) {
-        verdict = {_number, _argument};
-    }
+bool Fault::setDelay(const std::string& argument, std::string& error) {
+    const Words words(argument);
+    error = "delay '" + argument + "' is not a number of ms from 0 to " +
+            std::to_string(maxDelayMs) + ", and a spread of at most that number";
+    return parseNumber(words.first, _number) && _number >= 0 && _number <= maxDelayMs &&
+           (words.rest.empty() ||
+            (parseNumber(words.rest, _spread) && _spread >= 0 && _spread <= _number));
 }
 
-Reply Fault::answer(Document document, std::size_t floodBytes) const {
-    const std::string text = document.print();
-    const std::string firstHalf = text.substr(0, text.size() / 2);
-    const std::string secondHalf = text.substr(firstHalf.size()) + endMarker;
+Reply Fault::apply(const std::string& answer, std::mt19937& random) const {
+    const std::string firstHalf = answer.substr(0, answer.size() / 2);
+    const std::string secondHalf = answer.substr(firstHalf.size()) + endMarker;
     // There is no default, so the compiler warns about a kind that is forgotten here.
     switch (_kind) {
-        case Kind::Error: break; // The verdict is in the document.
-        case Kind::Version: document.version = _argument; break;
-        case Kind::Element: document.command.name = _argument; break;
-        case Kind::Missing: remove(document.command, _argument); break;
-        case Kind::Number: setNumbers(document.command, _argument); break;
+        case Kind::Error:
+            return edited(answer, [&](auto root) { setVerdict(root, _number, _argument); });
+        case Kind::Version:
+            return edited(answer,
+                          [&](auto root) { root.attribute("version") = _argument.c_str(); });
+        case Kind::Element:
+            return edited(answer,
+                          [&](auto root) { root.first_child().set_name(_argument.c_str()); });
+        case Kind::Missing: return edited(answer, [&](auto root) { remove(root, _argument); });
+        case Kind::Number: return edited(answer, [&](auto root) { setNumbers(root, _argument); });
         case Kind::Cut: return deliver(firstHalf);
         case Kind::CloseBefore: return {{}, Reply::End::Close};
         case Kind::CloseMiddle: return {{{noWait, firstHalf}}, Reply::End::Close};
-        case Kind::Split: return {split(text + endMarker), Reply::End::Open};
-        case Kind::Double: return deliver(text + endMarker + text);
+        case Kind::Split: return {split(answer + endMarker), Reply::End::Open};
+        case Kind::Double: return deliver(answer + endMarker + answer);
         case Kind::Zero: return {{{noWait, firstHalf + '\0' + secondHalf}}, Reply::End::Open};
         case Kind::Silence: return {{}, Reply::End::Open};
-        case Kind::Delay:
-            return {{{std::chrono::milliseconds(_number), text + endMarker}}, Reply::End::Open};
-        case Kind::Flood: return {{{noWait, std::string(floodBytes, 'x')}}, Reply::End::Close};
+        case Kind::Delay: return {{{drawDelay(random), answer + endMarker}}, Reply::End::Open};
+        case Kind::Flood:
+            return {{{noWait, std::string(static_cast<std::size_t>(_number), 'x')}},
+                    Reply::End::Close};
         case Kind::Reset: return {{}, Reply::End::Reset};
     }
-    return deliver(document.print());
+    return deliver(answer);
 }
 
-Reply deliver(const std::string& document) {
-    return {{{noWait, document + endMarker}}, Reply::End::Open};
+// Uses a remainder, because distributions differ between standard libraries.
+std::chrono::milliseconds Fault::drawDelay(std::mt19937& random) const {
+    const auto range = static_cast<std::uint32_t>(2 * _spread + 1);
+    return std::chrono::milliseconds(_number - _spread + static_cast<int>(random() % range));
+}
+
+Reply deliver(const std::string& answer) {
+    return {{{noWait, answer + endMarker}}, Reply::End::Open};
 }
 
 } // namespace azubsim

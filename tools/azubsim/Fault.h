@@ -1,16 +1,15 @@
 #pragma once
 
-#include <cstddef>
+#include <chrono>
+#include <random>
 #include <string>
 #include <vector>
 
-#include "tools/azubsim/AudioEngine.h"
-#include "tools/azubsim/Document.h"
 #include "tools/azubsim/Reply.h"
 
 namespace azubsim {
 
-/// One way to give a wrong answer.
+/// One way to spoil an answer.
 class Fault {
 public:
     enum class Kind {
@@ -35,7 +34,7 @@ public:
     struct Description {
         Kind kind;
         const char* name;
-        const char* argument; ///< Its placeholder; empty if there is none.
+        const char* argument; ///< Its placeholder; empty if there is none, in brackets if optional.
         const char* effect;
     };
 
@@ -49,22 +48,26 @@ public:
     /// The text that was parsed.
     const std::string& text() const { return _text; }
 
-    /// Applies the fault to the engine's verdict. Call it before the document is built.
-    void spoil(Verdict& verdict) const;
+    /// Whether the fault must happen before the request is taken from the socket.
+    bool resets() const { return _kind == Kind::Reset; }
 
-    /// Applies the fault to the answer and its delivery. A flood has `floodBytes` bytes.
-    Reply answer(Document document, std::size_t floodBytes) const;
+    /// Applies the fault to an answer without its end marker. An answer that is not XML keeps its
+    /// text.
+    Reply apply(const std::string& answer, std::mt19937& random) const;
 
 private:
     bool setArgument(const std::string& argument, std::string& error);
+    bool setDelay(const std::string& argument, std::string& error);
+    std::chrono::milliseconds drawDelay(std::mt19937& random) const;
 
     Kind _kind = Kind::Silence;
     std::string _text;
     std::string _argument;
     int _number = 0;
+    int _spread = 0;
 };
 
 /// Delivers an answer without a fault.
-Reply deliver(const std::string& document);
+Reply deliver(const std::string& answer);
 
 } // namespace azubsim

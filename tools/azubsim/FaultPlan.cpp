@@ -12,18 +12,19 @@ void FaultPlan::setSeed(std::optional<std::uint32_t> seed) {
     _random.seed(seed.value_or(0));
 }
 
-const Fault* FaultPlan::next() {
+std::optional<Fault> FaultPlan::next() {
     if (_faults.empty()) {
-        return nullptr;
+        return std::nullopt;
     }
     // Use remainders, because distributions differ between standard libraries.
     if (_seed) {
-        return _random() % _every == 0 ? &_faults[_random() % _faults.size()] : nullptr;
+        const bool isChosen = _random() % _every == 0;
+        return isChosen ? std::optional(_faults[_random() % _faults.size()]) : std::nullopt;
     }
     if (++_answers % _every != 0) {
-        return nullptr;
+        return std::nullopt;
     }
-    return &_faults[_turn++ % _faults.size()];
+    return _faults[_turn++ % _faults.size()];
 }
 
 } // namespace azubsim

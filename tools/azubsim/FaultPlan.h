@@ -22,8 +22,13 @@ public:
     void setEvery(unsigned int every);
     void setSeed(std::optional<std::uint32_t> seed);
 
-    /// The fault for the next answer, or null.
-    const Fault* next();
+    /// The fault for the next answer, if it gets one.
+    std::optional<Fault> next();
+
+    /// Applies a fault to an answer without its end marker.
+    Reply apply(const Fault& fault, const std::string& answer) {
+        return fault.apply(answer, _random);
+    }
 
     const std::vector<Fault>& faults() const { return _faults; }
     unsigned int every() const { return _every; }

@@ -4,8 +4,7 @@
 
 namespace azubsim {
 
-/// One line for each fault or console command: its syntax and its effect.
+/// One line for each fault: its syntax and its effect.
 std::string faultTable();
-std::string commandTable();
 
 } // namespace azubsim

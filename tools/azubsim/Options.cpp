@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
+#include "tools/azubsim/Commands.h"
 #include "tools/azubsim/Help.h"
 #include "tools/common/CommandLine.h"
 #include "tools/common/HelpFormatter.h"
@@ -11,7 +12,110 @@ namespace azubsim {
 
 namespace {
 
-void readFaults(Options& options) {
+void declareFaults(CLI::App& app, Options& options) {
+    CLI::Option* const fault =
+        app.add_option("--fault", options.faultTexts,
+                       "Apply this fault to answers. Several faults (repeat the option) take turns")
+            ->type_name("FAULT")
+            ->expected(1)
+            ->take_all();
+    app.add_option("--every", options.every,
+                   "Apply a fault to one answer in N instead of every answer")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000000000))
+        ->needs(fault);
+    app.add_option(
+           "--seed", options.seed,
+           "Choose at random which answers get which fault; the same seed repeats the choices")
+        ->type_name("S")
+        ->needs(fault);
+}
+
+void declareFiles(CLI::App& app, Options& options) {
+    app.add_option(
+           "--scenario", options.scenarioFile,
+           "Carry out the commands of this file: lines of SECONDS COMMAND, counted from the "
+           "start; # begins a comment")
+        ->type_name("FILE");
+    app.add_option(
+           "--record", options.recordFile,
+           "Write each exchange to this file, with the time between request and answer: one "
+           "JSON object per line")
+        ->type_name("FILE");
+    app.add_option("--trace", options.traceFile,
+                   "Write each exchange to this file as Trace Event JSON, for ui.perfetto.dev or "
+                   "chrome://tracing")
+        ->type_name("FILE");
+    app.add_flag("--force", options.overwrites, "Let --record and --trace overwrite a file");
+}
+
+// What would be ignored is refused.
+void declareSources(CLI::App& app, Options& options) {
+    CLI::Option* const noCall = app.add_flag(
+        "--no-call", options.noCall, "Start outside a call: every request gets error code 1003");
+    CLI::Option* const forward =
+        app.add_option("--forward", options.engine,
+                       "Be a tap: pass everything to the engine at this path and back, and print a "
+                       "line per exchange")
+            ->type_name("ENGINE")
+            ->excludes(noCall);
+    CLI::Option* const replay =
+        app.add_option(
+               "--replay", options.replayFile,
+               "Send the answers of a recorded file in order and ignore the requests. After "
+               "the last one, close the connection on each request")
+            ->type_name("FILE")
+            ->excludes(noCall)
+            ->excludes(forward);
+    for (const char* const name : {"--fault", "--every", "--seed", "--record"}) {
+        replay->excludes(app.get_option(name));
+    }
+    app.add_flag("--timed", options.isTimed, "Replay the answers with the recorded times")
+        ->needs(replay);
+}
+
+void declareOptions(CLI::App& app, Options& options) {
+    app.name("azubsim");
+    app.formatter(std::make_shared<tools::HelpFormatter>());
+    app.description(
+        "Simulates the audio engine: answers lip-sync requests on a Unix-domain socket, with "
+        "plausible timestamps or with faults, until it is interrupted. Or stands between clients "
+        "and a real engine, to watch, record or spoil what passes. Commands on standard input "
+        "change its settings while it runs.");
+    app.add_option("--socket", options.socket,
+                   "Socket path to listen on (required). A stale socket is replaced; anything "
+                   "else there is an error")
+        ->type_name("PATH");
+    declareFaults(app, options);
+    declareFiles(app, options);
+    declareSources(app, options);
+    app.add_flag("--verbose", options.isVerbose, "Print each message to standard error");
+    app.footer(
+        "Faults:\n" + faultTable() +
+        "\nBy default a flood has 16 MiB, which a client of the library reads in about 3 s.\n"
+        "\nCommands on standard input:\n" +
+        Commands::table() +
+        "\nExit status:\n"
+        "  0  after a termination signal or \"quit\"\n"
+        "  1  the socket or a file cannot be used\n"
+        "  2  wrong usage\n"
+        "\nExamples:\n"
+        "  azubsim --socket /tmp/engine\n"
+        "  azubsim --socket /tmp/engine --fault 'error 1002 no such margin'\n"
+        "  azubsim --socket /tmp/engine --fault cut --fault reset --every 10\n"
+        "  azubsim --socket /tmp/tap --forward /dev/socket/azub_lipsync\n");
+}
+
+void check(Options& options) {
+    if (options.socket.empty()) {
+        throw CLI::RequiredError("--socket");
+    }
+    if (options.socket == options.engine) {
+        throw CLI::ValidationError("--forward", "the engine is at another path than --socket");
+    }
+    if (options.overwrites && options.recordFile.empty() && options.traceFile.empty()) {
+        throw CLI::RequiresError("--force", "--record or --trace");
+    }
     for (const std::string& text : options.faultTexts) {
         std::string error;
         if (!Fault::parse(text, options.faults.emplace_back(), error)) {
@@ -22,66 +126,10 @@ void readFaults(Options& options) {
 
 } // namespace
 
-void declareOptions(CLI::App& app, Options& options) {
-    app.name("azubsim");
-    app.formatter(std::make_shared<tools::HelpFormatter>());
-    app.description(
-        "Simulates the audio engine: answers lip-sync requests on a Unix-domain socket, with "
-        "plausible timestamps or with faults, until it is interrupted. Commands on standard input "
-        "change its settings while it runs; \"help\" lists them.");
-    app.add_option("--socket", options.socket,
-                   "Socket path to listen on (required). A stale socket is replaced; anything "
-                   "else there is an error")
-        ->type_name("PATH");
-    app.add_flag("--no-call", options.noCall,
-                 "Start outside a call: every request gets error code 1003");
-    app.add_option("--fault", options.faultTexts,
-                   "Apply this fault to answers. Several faults (repeat the option) take turns")
-        ->type_name("FAULT")
-        ->expected(1)
-        ->take_all();
-    app.add_option("--every", options.every,
-                   "Apply a fault to one answer in N instead of every answer")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1000000000));
-    app.add_option(
-           "--seed", options.seed,
-           "Choose at random which answers get which fault; the same seed repeats the choices")
-        ->type_name("S");
-    app.add_option("--flood-limit", options.floodBytes,
-                   "Bytes that the fault \"flood\" sends before it closes the connection")
-        ->type_name("BYTES")
-        ->check(CLI::Range(1, 268435456))
-        ->capture_default_str();
-    CLI::Option* const record =
-        app.add_option("--record", options.recordFile,
-                       "Write each exchange to this file, one JSON object per line: time, client, "
-                       "request, answer, end, fault. Delays are not recorded")
-            ->type_name("FILE");
-    app.add_option("--replay", options.replayFile,
-                   "Send the answers of a recorded file in order and ignore the requests. After "
-                   "the last one, close the connection on each request")
-        ->type_name("FILE")
-        ->excludes(record);
-    app.add_flag("--verbose", options.isVerbose, "Print each message to standard error");
-    app.footer("Faults:\n" + faultTable() + "\nCommands on standard input:\n" + commandTable() +
-               "\nExit status: 0 after a termination signal or \"quit\", 1 if the socket or a\n"
-               "file cannot be used, 2 for wrong usage.\n"
-               "\nExamples:\n"
-               "  azubsim --socket /tmp/engine\n"
-               "  azubsim --socket /tmp/engine --fault 'error 1002 no such margin'\n"
-               "  azubsim --socket /tmp/engine --fault cut --fault reset --every 10 --seed 1\n");
-}
-
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
     CLI::App app;
     declareOptions(app, options);
-    return tools::readCommandLine(app, argc, argv, [&] {
-        if (options.socket.empty()) {
-            throw CLI::RequiredError("--socket");
-        }
-        readFaults(options);
-    });
+    return tools::readCommandLine(app, argc, argv, [&] { check(options); });
 }
 
 } // namespace azubsim

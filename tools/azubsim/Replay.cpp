@@ -6,8 +6,6 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
-#include <iterator>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
@@ -19,7 +17,6 @@ namespace azubsim {
 namespace {
 
 using nlohmann::json;
-using std::chrono::duration_cast;
 using std::chrono::microseconds;
 
 constexpr microseconds maxWait = Recorder::maxWait;
@@ -71,19 +68,9 @@ Reply::End end(const json& object) {
     throw BadFile("end is not open, close or reset");
 }
 
-std::chrono::system_clock::time_point time(const json& object) {
-    const double seconds = member(object, "time", &json::is_number);
-    if (seconds < 0 || seconds > 9e9) {
-        throw BadFile("time is not from 0 to 9000000000");
-    }
-    return std::chrono::system_clock::time_point(microseconds(std::llround(seconds * 1e6)));
-}
-
 Exchange parseExchange(const std::string& line) {
     const json object = json::parse(line, nullptr, false);
     Exchange exchange;
-    exchange.time = time(object);
-    exchange.client = member(object, "client", &json::is_number_integer);
     exchange.request = toBytes(member(object, "request", &json::is_string));
     for (const json& piece : member(object, "answer", &json::is_array)) {
         exchange.reply.pieces.push_back(
@@ -109,41 +96,17 @@ void checkHeader(const std::string& line) {
     }
 }
 
-// Puts the reply of `later` after that of `earlier`. Bytes without a request keep the time at which
-// they came.
-void append(Exchange& earlier, Exchange later) {
-    if (later.isUnasked()) {
-        const auto gap = duration_cast<microseconds>(later.time - earlier.time);
-        later.reply.pieces.front().wait +=
-            std::clamp(gap - earlier.replyTook(), microseconds(0), maxWait);
+// Bytes that nobody asked for belong to the answer before them.
+void add(Exchange exchange, std::vector<Reply>& replies) {
+    Reply& reply = exchange.reply;
+    if (replies.empty() || !exchange.isUnasked()) {
+        replies.push_back(std::move(reply));
+        return;
     }
-    std::move(later.reply.pieces.begin(), later.reply.pieces.end(),
-              std::back_inserter(earlier.reply.pieces));
-    earlier.reply.end = later.reply.end;
-    if (earlier.request.empty()) {
-        earlier.request = later.request;
-    }
+    std::vector<Reply::Piece>& pieces = replies.back().pieces;
+    pieces.insert(pieces.end(), reply.pieces.begin(), reply.pieces.end());
+    replies.back().end = reply.end;
 }
-
-// Gives bytes that nobody asked for to an answer of the same client.
-class Exchanges {
-public:
-    void add(Exchange exchange) {
-        const auto last = _last.find(exchange.client);
-        if (last != _last.end() && (exchange.isUnasked() || _all[last->second].isUnasked())) {
-            append(_all[last->second], std::move(exchange));
-            return;
-        }
-        _last[exchange.client] = _all.size();
-        _all.push_back(std::move(exchange));
-    }
-
-    std::vector<Exchange>& all() { return _all; }
-
-private:
-    std::vector<Exchange> _all;
-    std::map<int, std::size_t> _last; // The index in `_all` for each client.
-};
 
 void join(Reply& reply) {
     if (!reply.pieces.empty()) {
@@ -152,14 +115,14 @@ void join(Reply& reply) {
 }
 
 // A last line that was cut short is put into `note`.
-Exchanges read(std::istream& file, std::string& note) {
+std::vector<Reply> read(std::istream& file, std::string& note) {
     std::string line;
     std::getline(file, line);
     checkHeader(line);
-    Exchanges exchanges;
+    std::vector<Reply> replies;
     for (std::size_t number = 2; std::getline(file, line); ++number) {
         try {
-            exchanges.add(parseExchange(line));
+            add(parseExchange(line), replies);
         } catch (const BadFile& e) {
             const std::string name = "line " + std::to_string(number);
             if (!file.eof()) {
@@ -168,10 +131,10 @@ Exchanges read(std::istream& file, std::string& note) {
             note = name + " is unfinished and is left out";
         }
     }
-    if (exchanges.all().empty()) {
+    if (replies.empty()) {
         throw BadFile("it contains no exchanges");
     }
-    return exchanges;
+    return replies;
 }
 
 } // namespace
@@ -183,10 +146,7 @@ bool Replay::open(const std::string& path, bool isTimed, std::string& error) {
         return false;
     }
     try {
-        Exchanges exchanges = read(file, _note);
-        for (Exchange& exchange : exchanges.all()) {
-            _replies.push_back(std::move(exchange.reply));
-        }
+        _replies = read(file, _note);
     } catch (const BadFile& e) {
         error = e.what();
         return false;

@@ -10,8 +10,7 @@ namespace azubsim {
 
 /// Gives the answers of a file that `Recorder` wrote, in order, whoever asks for what.
 ///
-/// Bytes that were sent without a request belong to the answer that the same client got before
-/// them, or if it got none, to its first answer.
+/// Bytes that were sent without a request are sent with the answer before them.
 class Replay {
 public:
     /// Reads and checks the whole file. Returns false, with the reason in `error`, if it is not a

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "tools/azubsim/LineEditor.h"
+#include "tools/common/Printable.h"
 
 namespace azubsim {
 
@@ -11,7 +12,7 @@ void Screen::say(const std::string& line) {
 }
 
 void Screen::warn(const std::string& line) {
-    print(std::cerr, "azubsim: " + line);
+    print(std::cerr, "azubsim: " + tools::printable(line));
 }
 
 void Screen::print(std::ostream& stream, const std::string& line) {

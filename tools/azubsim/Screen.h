@@ -14,7 +14,8 @@ public:
     /// Prints a line, or several, to standard output at once. Adds a line feed if there is none.
     void say(const std::string& line);
 
-    /// The same to standard error, with "azubsim: " before it.
+    /// The same to standard error, with "azubsim: " before it, and with control characters made
+    /// visible.
     void warn(const std::string& line);
 
     /// The prompt to keep in order; null if there is none.

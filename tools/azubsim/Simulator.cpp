@@ -1,70 +1,52 @@
 #include "tools/azubsim/Simulator.h"
 
-#include <iostream>
-
-#include "tools/azubsim/Request.h"
+#include "tools/azubsim/Document.h"
 
 namespace azubsim {
 
-namespace {
-
-// A longer message is truncated: a flood must not fill the terminal.
-constexpr std::size_t shownBytes = 2000;
-
-void show(int client, const char* direction, const std::string& message) {
-    std::cerr << "client " << client << ' ' << direction << ' ';
-    for (const char c : message.substr(0, shownBytes)) {
-        if (c == '\n') {
-            std::cerr << "\\n";
-        } else {
-            std::cerr << (c == '\0' ? '?' : c);
-        }
+Reply Simulator::answer(int client, const std::string& request) {
+    Exchange exchange;
+    exchange.client = client;
+    exchange.time = std::chrono::system_clock::now();
+    exchange.request = request;
+    if (_replay) {
+        exchange.reply = answerFromRecording();
+    } else {
+        const std::optional<Fault> fault = _faults.next();
+        exchange.reply = answerAsEngine(request, fault);
+        exchange.fault = fault ? fault->text() : "";
     }
-    if (message.size() > shownBytes) {
-        std::cerr << "... (" << message.size() << " bytes)";
-    }
-    std::cerr << std::endl;
+    _reports.add(exchange);
+    return exchange.reply;
 }
 
-} // namespace
-
-Reply Simulator::answer(int client, const std::string& request) {
-    const Fault* const fault = replay ? nullptr : faults.next();
-    Reply reply = replay ? replay->next() : answerAsEngine(request, fault);
-    recorder.add(client, request, reply, fault != nullptr ? fault->text() : "");
-    if (isVerbose) {
-        show(client, "<", request);
-        show(client, ">", reply.bytes());
+Reply Simulator::answerFromRecording() {
+    const bool hadEnded = _replay->hasEnded();
+    Reply reply = _replay->next();
+    if (_replay->hasEnded() && !hadEnded) {
+        _reports.screen().say("azubsim: the recording has ended; further requests close the connection");
     }
     return reply;
 }
 
-Reply Simulator::answerAsEngine(const std::string& request, const Fault* fault) {
-    Request parsed;
+Reply Simulator::answerAsEngine(const std::string& text, const std::optional<Fault>& fault) {
+    Request request;
     std::string error;
-    if (!parseRequest(request, parsed, error)) {
-        std::cerr << "azubsim: bad request, connection closed: " << error << std::endl;
+    if (!parseRequest(text, request, error)) {
+        _reports.screen().warn("bad request, connection closed: " + error);
         return {{}, Reply::End::Close};
     }
-    const Document document = carryOut(parsed, fault);
-    return fault != nullptr ? fault->answer(document, floodBytes) : deliver(document.print());
+    const std::string answer = carryOut(request);
+    return fault ? _faults.apply(*fault, answer) : deliver(answer);
 }
 
-Document Simulator::carryOut(const Request& request, const Fault* fault) {
-    const auto spoiled = [&](Verdict verdict) {
-        if (fault != nullptr) {
-            fault->spoil(verdict);
-        }
-        return verdict;
-    };
-    Timestamps timestamps;
-    switch (request.command) {
-        case Request::Command::GetAudioTs: break;
-        case Request::Command::SetAudioDelay:
-            return delayAnswer(spoiled(engine.setMargin(request.delayMs)));
+std::string Simulator::carryOut(const Request& request) {
+    if (request.command == Request::Command::SetAudioDelay) {
+        return delayAnswer(_engine.setMargin(request.delayMs));
     }
-    const Verdict verdict = engine.timestamps(AudioEngine::Clock::now(), timestamps);
-    return timestampsAnswer(timestamps, spoiled(verdict));
+    Timestamps timestamps;
+    const Verdict verdict = _engine.timestamps(AudioEngine::Clock::now(), timestamps);
+    return timestampsAnswer(timestamps, verdict);
 }
 
 } // namespace azubsim

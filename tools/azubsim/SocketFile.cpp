@@ -1,6 +1,5 @@
 #include "tools/azubsim/SocketFile.h"
 
-#include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -11,37 +10,31 @@ namespace azubsim {
 
 namespace {
 
-int newSocket() {
-    return socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-}
-
-// Returns 0 if a process listens on the address, otherwise the errno of the attempt.
-int tryConnecting(const sockaddr_un& address) {
-    const int fd = newSocket();
-    const bool connected =
-        connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
-    const int error = connected ? 0 : errno;
-    close(fd);
-    return error;
-}
+using Protocol = asio::local::stream_protocol;
 
 // Removes a stale socket; fails if anything else is there.
-bool clearTheWay(const sockaddr_un& address, std::string& error) {
+bool clearTheWay(asio::io_context& io, const std::string& path, const Protocol::endpoint& address,
+                 std::string& error) {
     struct stat status {};
-    if (lstat(address.sun_path, &status) != 0) {
+    if (lstat(path.c_str(), &status) != 0) {
         return true;
     }
     if (!S_ISSOCK(status.st_mode)) {
         error = "it exists and is not a socket";
         return false;
     }
-    const int reason = tryConnecting(address);
-    if (reason == 0) {
+    asio::error_code reason;
+    Protocol::socket(io).connect(address, reason);
+    if (!reason) {
         error = "an engine is already listening there";
         return false;
     }
-    if (reason != ECONNREFUSED || unlink(address.sun_path) != 0) {
-        error = std::strerror(reason != ECONNREFUSED ? reason : errno);
+    if (reason != asio::error::connection_refused) {
+        error = reason.message();
+        return false;
+    }
+    if (unlink(path.c_str()) != 0) {
+        error = std::strerror(errno);
         return false;
     }
     return true;
@@ -49,47 +42,50 @@ bool clearTheWay(const sockaddr_un& address, std::string& error) {
 
 } // namespace
 
-SocketFile::~SocketFile() {
-    if (_fd < 0) {
-        return;
+bool toAddress(const std::string& path, Protocol::endpoint& address, std::string& error) {
+    constexpr std::size_t maxSize = sizeof(sockaddr_un::sun_path) - 1;
+    if (path.empty() || path.size() > maxSize) {
+        error = "a socket path must have 1 to " + std::to_string(maxSize) + " bytes";
+        return false;
     }
-    close(_fd);
-    // Keep a file that another process has put in its place.
-    struct stat status {};
-    if (lstat(_path.c_str(), &status) == 0 && status.st_dev == _identity.st_dev &&
-        status.st_ino == _identity.st_ino) {
-        unlink(_path.c_str());
-    }
+    address.path(path);
+    return true;
 }
 
 bool SocketFile::listen(const std::string& path, std::string& error) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.empty() || path.size() >= sizeof(address.sun_path)) {
-        error = "a socket path must have 1 to " + std::to_string(sizeof(address.sun_path) - 1) +
-                " bytes";
+    Protocol::endpoint address;
+    auto& io = static_cast<asio::io_context&>(_acceptor.get_executor().context());
+    if (!toAddress(path, address, error) || !clearTheWay(io, path, address, error)) {
         return false;
     }
-    std::memcpy(address.sun_path, path.data(), path.size());
-    if (!clearTheWay(address, error)) {
-        return false;
+    asio::error_code reason;
+    _acceptor.open(address.protocol(), reason);
+    if (!reason) {
+        _acceptor.bind(address, reason);
     }
-    const int fd = newSocket();
-    if (fd < 0 || bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
-        error = std::strerror(errno);
-        if (fd >= 0) {
-            close(fd);
-        }
-        return false;
+    if (!reason) {
+        // From here on, the file is this program's and must be removed.
+        _path = path;
+        lstat(_path.c_str(), &_identity);
+        _acceptor.listen(Acceptor::max_listen_connections, reason);
     }
-    _fd = fd;
-    _path = path;
-    lstat(_path.c_str(), &_identity);
-    if (::listen(fd, SOMAXCONN) != 0) {
-        error = std::strerror(errno);
-        return false;
+    if (reason) {
+        error = reason.message();
+        close();
     }
-    return true;
+    return !reason;
+}
+
+void SocketFile::close() {
+    asio::error_code ignored;
+    _acceptor.close(ignored);
+    // Keep a file that another process has put in its place.
+    struct stat status {};
+    if (!_path.empty() && lstat(_path.c_str(), &status) == 0 && status.st_dev == _identity.st_dev &&
+        status.st_ino == _identity.st_ino) {
+        unlink(_path.c_str());
+    }
+    _path.clear();
 }
 
 } // namespace azubsim

@@ -1,0 +1,187 @@
+#include "tools/azubsim/Connection.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+#include <asio/buffer.hpp>
+#include <asio/error.hpp>
+#include <utility>
+
+namespace azubsim {
+
+namespace {
+
+// Most bytes written to one connection before the others are served.
+constexpr std::size_t maxBytesInARow = 262144;
+
+bool mustWait(const asio::error_code& error) {
+    return error == asio::error::would_block || error == asio::error::interrupted;
+}
+
+// Whether the far end has closed its socket, not only shut down its sending side.
+bool isGone(int descriptor) {
+    pollfd polled{descriptor, 0, 0};
+    return poll(&polled, 1, 0) == 1 && (polled.revents & (POLLHUP | POLLERR)) != 0;
+}
+
+} // namespace
+
+Connection::Connection(Socket socket) : _socket(std::move(socket)), _timer(_socket.get_executor()) {
+    asio::error_code ignored;
+    _socket.non_blocking(true, ignored);
+}
+
+void Connection::start(Handlers handlers) {
+    _handlers = std::make_shared<const Handlers>(std::move(handlers));
+    read();
+}
+
+void Connection::resume() {
+    _isPaused = false;
+    read();
+}
+
+void Connection::read() {
+    if (_isReading || _isPaused || !isOpen()) {
+        return;
+    }
+    _isReading = true;
+    _socket.async_wait(Socket::wait_read,
+                       [self = shared_from_this()](const asio::error_code& error) {
+                           self->_isReading = false;
+                           if (!error && !self->_isPaused && self->isOpen()) {
+                               self->receive();
+                           }
+                       });
+}
+
+void Connection::receive() {
+    // A handler may call `close`.
+    const auto handlers = _handlers;
+    // Only peek at first: to reset the connection, the socket is closed with unread bytes.
+    std::array<char, 65536> chunk;
+    asio::error_code error;
+    const std::size_t size = _socket.receive(asio::buffer(chunk), Socket::message_peek, error);
+    if (error && !mustWait(error)) {
+        const bool hasGone = error != asio::error::eof || isGone(_socket.native_handle());
+        if (!hasGone) {
+            waitForHangUp();
+        }
+        handlers->ended(hasGone);
+        return;
+    }
+    if (!error) {
+        // Nothing is written before the bytes are taken, because that may close the connection.
+        _isReceiving = true;
+        handlers->received({chunk.data(), size});
+        _isReceiving = false;
+        if (_socket.is_open()) {
+            _socket.receive(asio::buffer(chunk.data(), size), 0, error);
+        }
+        write();
+    }
+    read();
+}
+
+// A far end that sends no more may still read, until it closes its socket.
+void Connection::waitForHangUp() {
+    _socket.async_wait(Socket::wait_error,
+                       [self = shared_from_this()](const asio::error_code& error) {
+                           const auto handlers = self->_handlers;
+                           if (!error && handlers) {
+                               handlers->ended(true);
+                           }
+                       });
+}
+
+void Connection::send(Reply::Piece piece) {
+    if (!isOpen() || _endsSending) {
+        return;
+    }
+    _unsent += piece.bytes.size();
+    _pieces.push_back(std::move(piece));
+    write();
+}
+
+void Connection::endSending() {
+    _endsSending = true;
+    write();
+}
+
+void Connection::closeWhenSent() {
+    _isClosing = true;
+    write();
+}
+
+void Connection::close() {
+    asio::error_code ignored;
+    _timer.cancel(ignored);
+    _socket.close(ignored);
+    _handlers.reset();
+}
+
+// Waits until the first piece is due.
+void Connection::write() {
+    if (_isWriting || _isReceiving || !_socket.is_open()) {
+        return;
+    }
+    if (_pieces.empty()) {
+        finishSending();
+        return;
+    }
+    _isWriting = true;
+    const auto wait = std::exchange(_pieces.front().wait, std::chrono::microseconds(0));
+    if (wait.count() == 0) {
+        writeFirstPiece();
+        return;
+    }
+    _timer.expires_after(wait);
+    _timer.async_wait([self = shared_from_this()](const asio::error_code&) {
+        if (self->_socket.is_open()) {
+            self->writeFirstPiece();
+        }
+    });
+}
+
+void Connection::writeFirstPiece() {
+    const std::string& bytes = _pieces.front().bytes;
+    const std::size_t size = std::min(bytes.size() - _written, maxBytesInARow);
+    _socket.async_send(
+        asio::buffer(bytes.data() + _written, size),
+        [self = shared_from_this()](const asio::error_code& error, std::size_t count) {
+            if (self->_socket.is_open()) {
+                self->written(error, count);
+            }
+        });
+}
+
+void Connection::written(const asio::error_code& error, std::size_t size) {
+    _isWriting = false;
+    const auto handlers = _handlers;
+    if (error) {
+        handlers->ended(true);
+        return;
+    }
+    _written += size;
+    _unsent -= size;
+    if (_written == _pieces.front().bytes.size()) {
+        _pieces.pop_front();
+        _written = 0;
+    }
+    if (_pieces.empty()) {
+        handlers->drained();
+    }
+    write();
+}
+
+void Connection::finishSending() {
+    asio::error_code ignored;
+    if (_isClosing) {
+        close();
+    } else if (_endsSending) {
+        _socket.shutdown(Socket::shutdown_send, ignored);
+    }
+}
+
+} // namespace azubsim
