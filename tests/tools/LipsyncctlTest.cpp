@@ -23,6 +23,7 @@ TEST_F(Lipsyncctl, AnswersPeopleAndPrograms) {
          "time,capture_ntp,rendering_ntp,receiving_ntp,latency_ms,jitter_depth_ms\n"
          "([0-9.]+,[0-9]+,[0-9]+,[0-9]+,[0-9.]+,[0-9]+\n){3}"},
         {"ping --count 3", "3 exchanges: min .* ms, median .*, 99th percentile .*, max .* ms\n"},
+        {"--version", "lipsyncctl [0-9]+[.][0-9]+[.][0-9]+\n"},
     };
     for (const auto& [arguments, expected] : cases) {
         const std::string output = run(LIPSYNCCTL, arguments + at);
@@ -58,22 +59,30 @@ TEST_F(Lipsyncctl, FailsWithAStatusAndTheReason) {
           "lipsyncctl: Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code "
           "20002): Unable to connect to " +
               socket + " {No such file or directory (Code 2)}}\n");
+    for (const char* const margin : {"30", "120", "-20", "020", "20ms", "99999999999999999999"}) {
+        // There is no engine: it fails before it connects.
+        fails(std::string("margin set ") + margin, 2,
+              "lipsyncctl: MS: '" + std::string(margin) +
+                  "' is not a decimal number from 0 to 100 in steps of 20 (see lipsyncctl "
+                  "--help)\n");
+    }
     const Engine idle(socket, {"--no-call"});
     fails("timestamps", 1,
           "lipsyncctl: The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): no "
           "call}\n");
     fails("margin set 40", 1, "lipsyncctl: The AZUB is not performing a call (Code 1007): {Bad");
-    fails("margin set 30", 2, "lipsyncctl: Invalid Param");
     fails("capabilities", 1, "lipsyncctl: cannot write to standard output\n");
-    fails("margin", 2, "A command is required");
-    fails("margin set", 2, "MS is required");
-    fails("margin set 020", 2, "MS: 020 is not a decimal number");
-    fails("margin get margin set 40", 2, "The following argument");
-    fails("ping timestamps", 2, "The following argument");
-    fails("ping --count 4000000000", 2, "--count");
-    fails("timestamps --count 3", 2, "--count requires --watch");
-    fails("timestamps --watch --interval 0", 2, "--interval");
-    fails("--format xml ping", 2, "--format: xml");
+    fails("", 2, "lipsyncctl: A command (capabilities, ");
+    fails("margin", 2, "lipsyncctl: \"margin get\" or ");
+    fails("margin set", 2, "lipsyncctl: MS is required");
+    fails("margin get margin set 40", 2, "lipsyncctl: The following argument");
+    fails("ping timestamps", 2, "lipsyncctl: The following argument");
+    fails("ping --count 4000000000", 2, "lipsyncctl: --count");
+    fails("send-video --capture -1", 2, "lipsyncctl: --capture");
+    fails("send-video --rendering 18446744073709551616", 2, "lipsyncctl: --rendering");
+    fails("timestamps --count 3", 2, "lipsyncctl: --count requires --watch");
+    fails("timestamps --watch --interval 0", 2, "lipsyncctl: --interval");
+    fails("--format xml ping", 2, "lipsyncctl: --format: xml");
 }
 
 TEST_F(Lipsyncctl, WatchesAnEngineThatGoesAwayComesBackAndFallsSilent) {

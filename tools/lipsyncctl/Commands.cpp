@@ -19,8 +19,6 @@ using velta::zub::lipsyncapi::Service;
 
 namespace {
 
-constexpr int exitUsage = 2;
-
 int fail(const Service::Result& result) {
     std::cerr << "lipsyncctl: " << result.format() << '\n';
     return EXIT_FAILURE;
@@ -61,9 +59,7 @@ int printMargin(const Service& service, Output& output) {
 int setMargin(Service& service, const Options& options, Output& output) {
     const Service::Result result = service.setAudioDelayMargin(options.marginMs);
     if (result.isFailure()) {
-        fail(result);
-        // The library rejected the margin without asking the engine: wrong usage.
-        return result.code == Service::ResultCode::InvalidParam ? exitUsage : EXIT_FAILURE;
+        return fail(result);
     }
     output.print({{"margin_ms", options.marginMs}},
                  printed("the engine delays the audio by %lu ms", options.marginMs));
@@ -89,7 +85,7 @@ double percentile(const std::vector<double>& sorted, double share) {
 }
 
 int ping(const Service& service, const Options& options, Output& output) {
-    const unsigned int count = options.count == 0 ? 10 : options.count;
+    const unsigned long count = options.exchanges;
     std::vector<double> times;
     times.reserve(count);
     while (times.size() < count) {
@@ -112,7 +108,7 @@ int ping(const Service& service, const Options& options, Output& output) {
                   {"median_ms", median},
                   {"p99_ms", high},
                   {"max_ms", times.back()}},
-                 printed("%u exchanges: min %.3f ms, median %.3f ms, 99th percentile %.3f ms, max "
+                 printed("%lu exchanges: min %.3f ms, median %.3f ms, 99th percentile %.3f ms, max "
                          "%.3f ms",
                          count, times.front(), median, high, times.back()));
     return EXIT_SUCCESS;

@@ -5,7 +5,7 @@
 namespace lipsyncctl {
 
 /// Runs the command. Returns the exit status: 0 for success, 1 if the engine or the connection
-/// failed, 2 for an invalid margin. Errors are printed to standard error.
+/// failed. Errors are printed to standard error.
 int runCommand(const Options& options);
 
 } // namespace lipsyncctl

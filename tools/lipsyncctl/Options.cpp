@@ -1,28 +1,33 @@
 #include "tools/lipsyncctl/Options.h"
 
 #include <CLI/CLI.hpp>
+#include <limits>
 #include <map>
 #include <memory>
 
 #include "lipsyncapi/Service.h"
 #include "tools/common/CommandLine.h"
 #include "tools/common/HelpFormatter.h"
+#include "tools/common/Printable.h"
+#include "tools/lipsyncctl/Decimal.h"
 
 namespace lipsyncctl {
 
 namespace {
 
-// The option parser would read 020 as 16 and -20 as a very large number.
-std::string isDecimal(const std::string& text) {
-    const bool isNumber = text.find_first_not_of("0123456789") == std::string::npos &&
-                          (text == "0" || text[0] != '0') && text.size() <= 9;
-    return isNumber ? "" : text + " is not a decimal number (at most 9 digits, no leading zero)";
+using velta::zub::lipsyncapi::Service;
+
+constexpr unsigned long hourMs = 3600000;
+
+std::string checkSocket(const std::string& path) {
+    constexpr std::size_t longest = 108; // The library would cut a longer one.
+    return !path.empty() && path.size() <= longest ? "" : "a socket path must have 1 to 108 bytes";
 }
 
 CLI::App* declareCommand(CLI::App& parent, Options& options, const std::string& name,
                          Command command, const std::string& description) {
     CLI::App* const app = parent.add_subcommand(name, description);
-    app->footer("Every command also accepts --socket and --format: see lipsyncctl --help.");
+    app->footer("Every command also accepts --socket and --format: see lipsyncctl --help.\n");
     app->callback([&options, name, command] {
         if (options.command) {
             throw CLI::ExtrasError({name});
@@ -45,7 +50,8 @@ void declareMargin(CLI::App& app, Options& options) {
                    "Ask the engine to delay the audio by MS milliseconds")
         ->add_option("MS", options.marginMs, "Audio delay margin in ms: a multiple of 20 up to 100")
         ->type_name("")
-        ->check(isDecimal)
+        ->check(
+            decimal(0, Service::capabilityMaxAudioDelayMargin, Service::capabilityGranularityMs))
         ->required();
 }
 
@@ -60,46 +66,49 @@ void declareTimestamps(CLI::App& app, Options& options) {
         "per reading. If the engine goes away, wait for it to come back");
     timestamps->add_option("--interval", options.intervalMs, "Time between readings in ms")
         ->type_name("MS")
-        ->check(CLI::Range(1, 3600000))
+        ->check(decimal(1, hourMs))
         ->capture_default_str()
         ->needs(watch);
-    timestamps->add_option("--count", options.count, "Stop after this many readings")
+    timestamps->add_option("--count", options.readings, "Stop after this many readings")
         ->type_name("N")
-        ->check(CLI::Range(1, 1000000))
+        ->check(decimal(1, 1000000))
         ->needs(watch);
 }
 
 void declarePing(CLI::App& app, Options& options) {
     CLI::App* const ping = declareCommand(
         app, options, "ping", Command::Ping,
-        "Measure how long an exchange takes: minimum, median, 99th percentile, maximum");
-    ping->add_option("--count", options.count, "Number of exchanges (default 10)")
+        "Measure how long an exchange takes: minimum, median, 99th percentile, maximum.");
+    ping->add_option("--count", options.exchanges, "Number of exchanges")
         ->type_name("N")
-        ->check(CLI::Range(1, 1000000));
+        ->check(decimal(1, 1000000))
+        ->capture_default_str();
 }
 
 void declareSendVideo(CLI::App& app, Options& options) {
     CLI::App* const sendVideo = declareCommand(
         app, options, "send-video", Command::SendVideo,
         "Pass the timestamps of a picture to the library, which only checks that it is connected");
+    const auto anyNumber = decimal(0, std::numeric_limits<unsigned long>::max());
     sendVideo
         ->add_option("--capture", options.capture, "When the picture was captured, as NTP 32.32")
-        ->type_name("NTP");
+        ->type_name("NTP")
+        ->check(anyNumber);
     sendVideo
         ->add_option("--rendering", options.rendering, "When the picture was shown, as NTP 32.32")
-        ->type_name("NTP");
+        ->type_name("NTP")
+        ->check(anyNumber);
 }
 
-} // namespace
-
-void declareOptions(CLI::App& app, Options& options) {
-    using velta::zub::lipsyncapi::Service;
-    app.name("lipsyncctl");
-    app.formatter(std::make_shared<tools::HelpFormatter>());
-    app.description("Talks to the audio engine's lip-sync socket from the command line.");
+void declareGeneralOptions(CLI::App& app, Options& options) {
+    app.set_version_flag("--version", "lipsyncctl " LIPSYNCCTL_VERSION, "Print the version");
     options.socket = Service::defaultLipsyncSocketName;
-    app.add_option("--socket", options.socket, "Path of the engine's socket")
+    app.add_option("-s,--socket", options.socket,
+                   "Path of the engine's socket. Without this option, the environment variable "
+                   "LIPSYNCCTL_SOCKET is used if it is set")
         ->type_name("PATH")
+        ->envname("LIPSYNCCTL_SOCKET")
+        ->check(checkSocket)
         ->capture_default_str();
     static const std::map<std::string, Format> formats{
         {"text", Format::Text}, {"json", Format::Json}, {"csv", Format::Csv}};
@@ -108,33 +117,55 @@ void declareOptions(CLI::App& app, Options& options) {
            "Output format: text (default) for people, json or csv for programs")
         ->type_name("text|json|csv")
         ->check(CLI::IsMember(&formats));
+}
+
+constexpr const char* notes =
+    "Results go to standard output. Errors and the library's log lines go to standard\n"
+    "error.\n"
+    "\nExit status: 0 for success; 1 if the connection failed, the engine returned an\n"
+    "error or the results cannot be written; 2 for wrong usage.\n"
+    "\nExamples:\n"
+    "  lipsyncctl timestamps\n"
+    "  lipsyncctl margin set 40 --socket /tmp/engine\n"
+    "  lipsyncctl timestamps --watch\n"
+    "  lipsyncctl timestamps --watch --interval 100 --format csv > run.csv\n"
+    "  lipsyncctl ping --count 1000 --format json 2>/dev/null\n";
+
+std::string usageError(const CLI::App*, const CLI::Error& error) {
+    return std::string("lipsyncctl: ") + tools::printable(error.what()) +
+           " (see lipsyncctl --help)\n";
+}
+
+void requireCommand(const CLI::App& app, const Options& options) {
+    if (!options.command) {
+        throw CLI::RequiredError(app.got_subcommand("margin")
+                                     ? "\"margin get\" or \"margin set\""
+                                     : "A command (capabilities, margin, timestamps, ping, "
+                                       "send-video)");
+    }
+}
+
+} // namespace
+
+void declareOptions(CLI::App& app, Options& options) {
+    app.name("lipsyncctl");
+    app.formatter(std::make_shared<tools::HelpFormatter>());
+    app.failure_message(usageError);
+    app.description("Talks to the audio engine's lip-sync socket from the command line.");
+    declareGeneralOptions(app, options);
     declareCommand(app, options, "capabilities", Command::Capabilities,
                    "Print the largest margin and the step between margins");
     declareMargin(app, options);
     declareTimestamps(app, options);
     declarePing(app, options);
     declareSendVideo(app, options);
-    app.footer(
-        "Results go to standard output. Errors and the library's log lines go to standard\n"
-        "error.\n"
-        "\nExit status: 0 for success; 1 if the connection failed, the engine returned an\n"
-        "error or the results cannot be written; 2 for wrong usage.\n"
-        "\nExamples:\n"
-        "  lipsyncctl timestamps\n"
-        "  lipsyncctl margin set 40 --socket /tmp/engine\n"
-        "  lipsyncctl timestamps --watch\n"
-        "  lipsyncctl timestamps --watch --interval 100 --format csv > run.csv\n"
-        "  lipsyncctl ping --count 1000 --format json 2>/dev/null\n");
+    app.footer(notes);
 }
 
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
     CLI::App app;
     declareOptions(app, options);
-    return tools::readCommandLine(app, argc, argv, [&] {
-        if (!options.command) {
-            throw CLI::RequiredError("A command");
-        }
-    });
+    return tools::readCommandLine(app, argc, argv, [&] { requireCommand(app, options); });
 }
 
 } // namespace lipsyncctl

@@ -19,8 +19,9 @@ struct Options {
     std::optional<Command> command;
     unsigned long marginMs = 0;
     bool watch = false;
-    unsigned int intervalMs = 1000;
-    unsigned int count = 0; ///< Readings (0: no limit) or exchanges (0: the default).
+    unsigned long intervalMs = 1000;
+    unsigned long readings = 0; ///< 0 means no limit.
+    unsigned long exchanges = 10;
     unsigned long capture = 0;
     unsigned long rendering = 0;
 };

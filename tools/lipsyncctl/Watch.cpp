@@ -24,19 +24,19 @@ void interrupt(int) {
 // Counts readings down; 0 means no limit.
 class Countdown {
 public:
-    explicit Countdown(unsigned int count) : _left(count), _isEndless(count == 0) {}
+    explicit Countdown(unsigned long count) : _left(count), _isEndless(count == 0) {}
     bool isOver() const { return !_isEndless && _left == 0; }
     void count() { --_left; }
 
 private:
-    unsigned int _left;
+    unsigned long _left;
     bool _isEndless;
 };
 
 void watchOnTerminal(const Options& options) {
     LiveView view(options.socket);
     Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
-    Countdown readings(options.count);
+    Countdown readings(options.readings);
     while (isInterrupted == 0 && !readings.isOver() && view.refresh()) {
         const std::optional<Poller::Event> event = poller.next(patience);
         if (!event) {
@@ -57,7 +57,7 @@ void watchOnTerminal(const Options& options) {
 void watchInLines(const Options& options) {
     Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
     Output output(options.format);
-    Countdown readings(options.count);
+    Countdown readings(options.readings);
     std::string lastFailure;
     while (isInterrupted == 0 && !readings.isOver() && std::cout.good()) {
         const std::optional<Poller::Event> event = poller.next(patience);
