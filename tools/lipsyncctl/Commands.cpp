@@ -6,10 +6,10 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <iostream>
 #include <vector>
 
 #include "lipsyncapi/Service.h"
+#include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Output.h"
 #include "tools/lipsyncctl/Watch.h"
 
@@ -20,7 +20,7 @@ using velta::zub::lipsyncapi::Service;
 namespace {
 
 int fail(const Service::Result& result) {
-    std::cerr << "lipsyncctl: " << result.format() << '\n';
+    complain(result.format());
     return EXIT_FAILURE;
 }
 

@@ -1,6 +1,5 @@
 #include "tools/lipsyncctl/LiveView.h"
 
-#include <fcntl.h>
 #include <ncurses.h>
 #include <term.h>
 #include <unistd.h>
@@ -42,12 +41,6 @@ bool LiveView::isPossible() {
 }
 
 LiveView::LiveView(const std::string& socket) : _socket(socket) {
-    if (isatty(STDERR_FILENO) == 1) {
-        _savedStandardError = dup(STDERR_FILENO);
-        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        dup2(nowhere, STDERR_FILENO);
-        ::close(nowhere);
-    }
     initscr();
     cbreak();
     noecho();
@@ -58,19 +51,7 @@ LiveView::LiveView(const std::string& socket) : _socket(socket) {
 }
 
 LiveView::~LiveView() {
-    close();
-}
-
-void LiveView::close() {
-    if (_isOpen) {
-        endwin();
-    }
-    _isOpen = false;
-    if (_savedStandardError >= 0) {
-        dup2(_savedStandardError, STDERR_FILENO);
-        ::close(_savedStandardError);
-    }
-    _savedStandardError = -1;
+    endwin();
 }
 
 void LiveView::show(const Reading& reading) {

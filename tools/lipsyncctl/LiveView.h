@@ -7,8 +7,7 @@
 
 namespace lipsyncctl {
 
-/// Shows the timestamps full-screen on the terminal. While it is open, standard error is discarded
-/// if it is a terminal: its lines would overwrite the view.
+/// Shows the timestamps full-screen on the terminal. The destructor restores the terminal.
 class LiveView {
 public:
     /// Whether standard output is a terminal of a known type.
@@ -27,9 +26,6 @@ public:
     /// false if the user wants to quit.
     bool refresh();
 
-    /// Restores the terminal and standard error.
-    void close();
-
 private:
     struct Second {
         long time;
@@ -46,8 +42,6 @@ private:
     bool _hasReading = false;
     std::string _failure;
     std::deque<Second> _lastMinute;
-    int _savedStandardError = -1;
-    bool _isOpen = true;
 };
 
 } // namespace lipsyncctl

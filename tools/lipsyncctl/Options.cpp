@@ -27,7 +27,8 @@ std::string checkSocket(const std::string& path) {
 CLI::App* declareCommand(CLI::App& parent, Options& options, const std::string& name,
                          Command command, const std::string& description) {
     CLI::App* const app = parent.add_subcommand(name, description);
-    app->footer("Every command also accepts --socket and --format: see lipsyncctl --help.\n");
+    app->footer(
+        "Every command also accepts --socket, --format and --log: see lipsyncctl --help.\n");
     app->callback([&options, name, command] {
         if (options.command) {
             throw CLI::ExtrasError({name});
@@ -117,11 +118,11 @@ void declareGeneralOptions(CLI::App& app, Options& options) {
            "Output format: text (default) for people, json or csv for programs")
         ->type_name("text|json|csv")
         ->check(CLI::IsMember(&formats));
+    app.add_flag("--log", options.showsLog, "Show the library's log lines on standard error");
 }
 
 constexpr const char* notes =
-    "Results go to standard output. Errors and the library's log lines go to standard\n"
-    "error.\n"
+    "Results go to standard output, errors to standard error.\n"
     "\nExit status: 0 for success; 1 if the connection failed, the engine returned an\n"
     "error or the results cannot be written; 2 for wrong usage.\n"
     "\nExamples:\n"
@@ -129,7 +130,7 @@ constexpr const char* notes =
     "  lipsyncctl margin set 40 --socket /tmp/engine\n"
     "  lipsyncctl timestamps --watch\n"
     "  lipsyncctl timestamps --watch --interval 100 --format csv > run.csv\n"
-    "  lipsyncctl ping --count 1000 --format json 2>/dev/null\n";
+    "  lipsyncctl ping --count 1000 --format json\n";
 
 std::string usageError(const CLI::App*, const CLI::Error& error) {
     return std::string("lipsyncctl: ") + tools::printable(error.what()) +

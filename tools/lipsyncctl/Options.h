@@ -16,6 +16,7 @@ enum class Command { Capabilities, MarginGet, MarginSet, Timestamps, Ping, SendV
 struct Options {
     std::string socket;
     Format format = Format::Text;
+    bool showsLog = false;
     std::optional<Command> command;
     unsigned long marginMs = 0;
     bool watch = false;

@@ -1,11 +1,14 @@
 #include "tools/lipsyncctl/Watch.h"
 
+#include <unistd.h>
+
 #include <chrono>
 #include <csignal>
 #include <iostream>
 #include <optional>
 
 #include "tools/lipsyncctl/LiveView.h"
+#include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Output.h"
 #include "tools/lipsyncctl/Poller.h"
 
@@ -34,6 +37,10 @@ private:
 };
 
 void watchOnTerminal(const Options& options) {
+    if (options.showsLog && isatty(STDERR_FILENO) == 1) {
+        // The log lines would overwrite the view.
+        dropLog();
+    }
     LiveView view(options.socket);
     Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
     Countdown readings(options.readings);
@@ -49,9 +56,6 @@ void watchOnTerminal(const Options& options) {
             view.showFailure(event->failure);
         }
     }
-    // Stop the poller first: the open view keeps its last log line off the terminal.
-    poller.stop();
-    view.close();
 }
 
 void watchInLines(const Options& options) {
@@ -68,7 +72,7 @@ void watchInLines(const Options& options) {
             output.print(event->reading->record(), event->reading->text());
             readings.count();
         } else if (event->failure != lastFailure) {
-            std::cerr << "lipsyncctl: " << event->failure << std::endl;
+            complain(event->failure);
         }
         lastFailure = event->failure;
     }

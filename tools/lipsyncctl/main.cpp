@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "tools/lipsyncctl/Commands.h"
+#include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Options.h"
 
 namespace {
@@ -30,9 +31,12 @@ int main(int argc, char** argv) {
     if (const auto status = lipsyncctl::readOptions(argc, argv, options)) {
         return *status;
     }
+    if (!options.showsLog) {
+        lipsyncctl::dropLog();
+    }
     const int status = lipsyncctl::runCommand(options);
     if (!std::cout.flush()) {
-        std::cerr << "lipsyncctl: cannot write to standard output\n";
+        lipsyncctl::complain("cannot write to standard output");
         return EXIT_FAILURE;
     }
     return status;
