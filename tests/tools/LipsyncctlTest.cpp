@@ -1,5 +1,6 @@
 #include <csignal>
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -13,6 +14,17 @@ using testing::IsSubstring;
 
 using Lipsyncctl = tests::EngineTest;
 
+namespace {
+
+// Seconds since 1970.
+double parseTime(const std::string& utc) {
+    std::tm time{};
+    const char* const fraction = strptime(utc.c_str(), "%Y-%m-%dT%H:%M:%S", &time);
+    return fraction == nullptr ? 0 : static_cast<double>(timegm(&time)) + std::atof(fraction);
+}
+
+} // namespace
+
 TEST_F(Lipsyncctl, AnswersPeopleAndPrograms) {
     const Engine engine(socket);
     const std::pair<std::string, const char*> cases[] = {
@@ -23,8 +35,10 @@ TEST_F(Lipsyncctl, AnswersPeopleAndPrograms) {
         {"send-video --format json", "\\{\"accepted\":true\\}\n"},
         {"timestamps", "captured [0-9:.]{12}  received .*  latency .* ms  jitter buffer .* ms\n"},
         {"timestamps --watch --count 3 --interval 20 --format csv",
-         "time,capture_ntp,rendering_ntp,receiving_ntp,latency_ms,jitter_depth_ms\n"
-         "([0-9.]+,[0-9]+,[0-9]+,[0-9]+,[0-9.]+,[0-9]+\n){3}"},
+         "time,capture_ntp,rendering_ntp,receiving_ntp,latency_ms,jitter_depth_ms,time_utc,"
+         "capture_utc,rendering_utc,receiving_utc,error\n"
+         "([0-9.]+,[0-9]+,[0-9]+,[0-9]+,[0-9.]+,[0-9]+,([-0-9]{10}T[0-9:]{8}[.][0-9]{3}Z,){4}\n)"
+         "{3}"},
         {"ping --count 3", "3 exchanges: min .* ms, median .*, 99th percentile .*, max .* ms\n"},
         {"--version", "lipsyncctl [0-9]+[.][0-9]+[.][0-9]+\n"},
     };
@@ -46,7 +60,9 @@ TEST_F(Lipsyncctl, ReadsTimestampsWithTheMarginThatAnotherClientSet) {
             nlohmann::json::parse(run(LIPSYNCCTL, "timestamps --format json" + at));
         const double received = reading["receiving_ntp"];
         const double depth = reading["jitter_depth_ms"];
-        EXPECT_NEAR(reading["time"], received / 4294967296 - 2208988800, 2);
+        const double seconds = received / 4294967296 - 2208988800;
+        EXPECT_NEAR(reading["time"], seconds, 2);
+        EXPECT_NEAR(parseTime(reading["receiving_utc"]), seconds, 0.001);
         EXPECT_LT(reading["capture_ntp"], received);
         EXPECT_GT(reading["rendering_ntp"], received);
         EXPECT_NEAR(depth, 70, 50);
@@ -58,7 +74,7 @@ TEST_F(Lipsyncctl, FailsWithAStatusAndTheReason) {
     const auto fails = [&](const std::string& arguments, int status, const std::string& error) {
         expectFailure(LIPSYNCCTL, arguments + at, status, error);
     };
-    fails("ping", 1,
+    fails("ping", 3,
           "lipsyncctl: Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code "
           "20002): Unable to connect to " +
               socket + " {No such file or directory (Code 2)}}\n");
@@ -70,10 +86,10 @@ TEST_F(Lipsyncctl, FailsWithAStatusAndTheReason) {
                   "--help)\n");
     }
     const Engine idle(socket, {"--no-call"});
-    fails("timestamps", 1,
+    fails("timestamps", 5,
           "lipsyncctl: The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): no "
           "call}\n");
-    fails("margin set 40", 1, "lipsyncctl: The AZUB is not performing a call (Code 1007): {Bad");
+    fails("margin set 40", 5, "lipsyncctl: The AZUB is not performing a call (Code 1007): {Bad");
     fails("capabilities", 1, "lipsyncctl: cannot write to standard output\n");
     fails("", 2, "lipsyncctl: A command (capabilities, ");
     fails("margin", 2, "lipsyncctl: \"margin get\" or ");
@@ -98,6 +114,29 @@ TEST_F(Lipsyncctl, ShowsLogLinesOnlyOnRequestAndTakesTheSocketFromTheEnvironment
     EXPECT_EQ(quiet.readAll(), "the engine delays the audio by 20 ms\n");
     EXPECT_PRED_FORMAT2(IsSubstring, "I/AZUBLIPSYNCAPI Client is conn", talkative.readAll());
     EXPECT_PRED_FORMAT2(IsSubstring, socket + "x {No such file", elsewhere.readAll());
+}
+
+TEST_F(Lipsyncctl, EndsQuietlyWhenItsReaderHasGone) {
+    const Engine engine(socket);
+    Process pipe(
+        {"/bin/sh", "-c", LIPSYNCCTL " timestamps --watch --interval 1" + at + "|head -n1"});
+    EXPECT_EQ(std::regex_replace(pipe.readAll(), std::regex("captured .* ms\n"), "."), ".");
+    EXPECT_EQ(pipe.wait(), 0);
+}
+
+TEST_F(Lipsyncctl, MakesTheEnginesMessagePrintable) {
+    const Engine engine(socket, {"--fault", "error 1001 \x1b[31m\"red\", \xc2\x9b \x7f"});
+    const std::string before = "The lipsync server returned an error (Code 1006): {Unknown error ";
+    EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at, 6),
+              "lipsyncctl: " + before + "(Code 1001): \\x1b[31m\"red\", \\xc2\\x9b \\x7f}\n");
+    const std::string json = run(LIPSYNCCTL, "timestamps --format json" + at, 6);
+    EXPECT_PRED_FORMAT2(IsSubstring, "\\u001b[31m\\\"red\\\", \\u009b \\u007f}\"}}\n", json);
+    EXPECT_EQ(nlohmann::json::parse(json.substr(json.find("{\"")))["error"]["code"], 1006);
+    Process watch({LIPSYNCCTL, "timestamps", "--watch", "--format", "csv", "-s", socket});
+    watch.readUntil("error\n");
+    EXPECT_TRUE(std::regex_match(
+        watch.readUntil("\n"),
+        std::regex("[0-9.]+,,,,,,[^,]+Z,,,,\"The .*\"\"red\"\", .*x9b .x7f[}]\"\n")));
 }
 
 TEST_F(Lipsyncctl, WatchesAnEngineThatGoesAwayComesBackAndFallsSilent) {

@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "lipsyncapi/Service.h"
-#include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Output.h"
+#include "tools/lipsyncctl/Reading.h"
+#include "tools/lipsyncctl/Time.h"
 #include "tools/lipsyncctl/Watch.h"
 
 namespace lipsyncctl {
@@ -19,9 +20,8 @@ using velta::zub::lipsyncapi::Service;
 
 namespace {
 
-int fail(const Service::Result& result) {
-    complain(result.format());
-    return EXIT_FAILURE;
+int fail(const Service::Result& result, Output& output) {
+    return output.fail({result.code, result.format()});
 }
 
 template <typename... Values>
@@ -36,7 +36,7 @@ int printCapabilities(const Service& service, Output& output) {
     unsigned long maxMs = 0;
     const Service::Result result = service.getCapabilities(granularityMs, maxMs);
     if (result.isFailure()) {
-        return fail(result);
+        return fail(result, output);
     }
     output.print({{"granularity_ms", granularityMs}, {"max_margin_ms", maxMs}},
                  printed("margins of 0 to %lu ms in steps of %lu ms", maxMs, granularityMs));
@@ -47,7 +47,7 @@ int printMargin(const Service& service, Output& output) {
     unsigned long marginMs = 0;
     const Service::Result result = service.getAudioDelayMargin(marginMs);
     if (result.isFailure()) {
-        return fail(result);
+        return fail(result, output);
     }
     output.print({{"margin_ms", marginMs}, {"source", "last confirmed on this connection"}},
                  printed("%lu ms, the last margin confirmed on this connection; the engine's "
@@ -59,7 +59,7 @@ int printMargin(const Service& service, Output& output) {
 int setMargin(Service& service, const Options& options, Output& output) {
     const Service::Result result = service.setAudioDelayMargin(options.marginMs);
     if (result.isFailure()) {
-        return fail(result);
+        return fail(result, output);
     }
     output.print({{"margin_ms", options.marginMs}},
                  printed("the engine delays the audio by %lu ms", options.marginMs));
@@ -70,7 +70,7 @@ int printTimestamps(const Service& service, Output& output) {
     Reading reading;
     const Service::Result result = service.getAudioTimestamps(reading.timestamps);
     if (result.isFailure()) {
-        return fail(result);
+        return fail(result, output);
     }
     reading.time = now();
     output.print(reading.record(), reading.text());
@@ -96,7 +96,7 @@ int ping(const Service& service, const Options& options, Output& output) {
             std::chrono::steady_clock::now() - start;
         // An error from the engine is an answer too.
         if (result.code == Service::ResultCode::TransportError) {
-            return fail(result);
+            return fail(result, output);
         }
         times.push_back(time.count());
     }
@@ -120,7 +120,7 @@ int sendVideo(Service& service, const Options& options, Output& output) {
     timestamps.audioRenderingTimestamp = options.rendering;
     const Service::Result result = service.setVideoTimestamps(timestamps);
     if (result.isFailure()) {
-        return fail(result);
+        return fail(result, output);
     }
     output.print({{"accepted", true}},
                  "accepted; the library does not check, keep or send these timestamps");
@@ -134,12 +134,12 @@ int runCommand(const Options& options) {
         watchTimestamps(options);
         return EXIT_SUCCESS;
     }
+    Output output(options.format);
     Service service;
     const Service::Result connected = service.connect(options.socket);
     if (connected.isFailure()) {
-        return fail(connected);
+        return fail(connected, output);
     }
-    Output output(options.format);
     switch (*options.command) {
         case Command::Capabilities: return printCapabilities(service, output);
         case Command::MarginGet: return printMargin(service, output);

@@ -4,8 +4,7 @@
 
 namespace lipsyncctl {
 
-/// Runs the command. Returns the exit status: 0 for success, 1 if the engine or the connection
-/// failed. Errors are printed to standard error.
+/// Runs the command and prints its results and errors. Returns the exit status.
 int runCommand(const Options& options);
 
 } // namespace lipsyncctl

@@ -8,6 +8,9 @@
 #include <cmath>
 #include <cstdio>
 
+#include "tools/common/Printable.h"
+#include "tools/lipsyncctl/Time.h"
+
 namespace lipsyncctl {
 
 namespace {
@@ -40,7 +43,7 @@ bool LiveView::isPossible() {
     return true;
 }
 
-LiveView::LiveView(const std::string& socket) : _socket(socket) {
+LiveView::LiveView(const std::string& socket) : _socket(tools::printable(socket)) {
     initscr();
     cbreak();
     noecho();
@@ -71,7 +74,7 @@ void LiveView::show(const Reading& reading) {
 }
 
 void LiveView::showFailure(const std::string& failure) {
-    _failure = failure;
+    _failure = tools::printable(failure);
     draw();
 }
 
@@ -129,8 +132,7 @@ void LiveView::drawTimestamps() const {
     };
     int row = 3;
     for (const auto& time : times) {
-        mvprintw(row++, 0, "%-*s%s", labelWidth, time.label,
-                 timeOfDay(ntpToUnix(time.ntp)).c_str());
+        mvprintw(row++, 0, "%-*s%s", labelWidth, time.label, timeOfDay(fromNtp(time.ntp)).c_str());
     }
     mvprintw(row++, 0, "%-*s%.1f ms from capture to rendering", labelWidth, "Latency",
              _reading.latencyMs());

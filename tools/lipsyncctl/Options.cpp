@@ -122,9 +122,18 @@ void declareGeneralOptions(CLI::App& app, Options& options) {
 }
 
 constexpr const char* notes =
-    "Results go to standard output, errors to standard error.\n"
-    "\nExit status: 0 for success; 1 if the connection failed, the engine returned an\n"
-    "error or the results cannot be written; 2 for wrong usage.\n"
+    "Results go to standard output, errors to standard error. With --format json, an\n"
+    "error is also an object on standard output, except for wrong usage:\n"
+    "  {\"error\":{\"code\":1004,\"text\":\"Cannot connect ...\"}}\n"
+    "While a watch gets no readings, its records have an \"error\" and no figures.\n"
+    "\nExit status:\n"
+    "  0  success\n"
+    "  1  any other failure, for example if the results cannot be written\n"
+    "  2  wrong usage\n"
+    "  3  cannot connect to the engine\n"
+    "  4  the connection failed, or an answer could not be read\n"
+    "  5  the engine is not in a call\n"
+    "  6  the engine refused the request\n"
     "\nExamples:\n"
     "  lipsyncctl timestamps\n"
     "  lipsyncctl margin set 40 --socket /tmp/engine\n"

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "tools/lipsyncctl/Time.h"
+
 namespace lipsyncctl {
 
 namespace {
@@ -11,8 +13,6 @@ constexpr std::chrono::milliseconds reconnectPause{300};
 
 // Beyond this number the oldest unread events are dropped.
 constexpr std::size_t maxEvents = 1000;
-
-const std::string waiting = "Waiting for the engine: ";
 
 } // namespace
 
@@ -65,21 +65,20 @@ Poller::Event Poller::readOnce(Service& service, bool& isConnected) {
     if (!isConnected) {
         const Service::Result connected = service.connect(_socket);
         if (connected.isFailure()) {
-            return {std::nullopt, waiting + connected.format()};
+            return {std::nullopt, Failure{connected.code, connected.format()}};
         }
         isConnected = true;
     }
     Reading reading;
     const Service::Result result = exchange(service, reading);
     if (result.isSuccess()) {
-        return {reading, ""};
+        return {reading, {}};
     }
     if (result.code == Service::ResultCode::TransportError) {
         service.disconnect();
         isConnected = false;
-        return {std::nullopt, waiting + result.format()};
     }
-    return {std::nullopt, "The engine refused the request: " + result.format()};
+    return {std::nullopt, Failure{result.code, result.format()}};
 }
 
 Poller::Service::Result Poller::exchange(Service& service, Reading& reading) {

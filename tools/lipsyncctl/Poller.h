@@ -20,7 +20,7 @@ public:
     /// A reading, or why there is none.
     struct Event {
         std::optional<Reading> reading;
-        std::string failure; ///< Text for the user.
+        Failure failure;
     };
 
     Poller(std::string socket, std::chrono::milliseconds interval);

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "lipsync/common/LipSyncNtpTimestamps.h"
+#include "tools/lipsyncctl/Failure.h"
+#include "tools/lipsyncctl/Record.h"
 
 namespace lipsyncctl {
-
-/// A JSON object that keeps the order of its keys.
-using Record = nlohmann::ordered_json;
 
 /// The engine's timestamps, and when they were read.
 struct Reading {
@@ -24,11 +22,7 @@ struct Reading {
     std::string text() const;
 };
 
-/// Seconds since 1970.
-double now();
-double ntpToUnix(unsigned long ntp);
-
-/// Local time of day, with milliseconds.
-std::string timeOfDay(double seconds);
+/// Takes the place of a reading in a stream of records: the same keys, but no figures.
+Record outageRecord(double time, const Failure& failure);
 
 } // namespace lipsyncctl

@@ -11,6 +11,7 @@
 #include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Output.h"
 #include "tools/lipsyncctl/Poller.h"
+#include "tools/lipsyncctl/Time.h"
 
 namespace lipsyncctl {
 
@@ -36,6 +37,11 @@ private:
     bool _isEndless;
 };
 
+std::string explained(const Failure& failure) {
+    return (failure.isRefusal() ? "The engine refused the request: " : "Waiting for the engine: ") +
+           failure.text;
+}
+
 void watchOnTerminal(const Options& options) {
     if (options.showsLog && isatty(STDERR_FILENO) == 1) {
         // The log lines would overwrite the view.
@@ -53,7 +59,7 @@ void watchOnTerminal(const Options& options) {
             view.show(*event->reading);
             readings.count();
         } else {
-            view.showFailure(event->failure);
+            view.showFailure(explained(event->failure));
         }
     }
 }
@@ -71,10 +77,11 @@ void watchInLines(const Options& options) {
         if (event->reading) {
             output.print(event->reading->record(), event->reading->text());
             readings.count();
-        } else if (event->failure != lastFailure) {
-            complain(event->failure);
+        } else if (event->failure.text != lastFailure) {
+            complain(explained(event->failure));
+            output.print(outageRecord(now(), event->failure));
         }
-        lastFailure = event->failure;
+        lastFailure = event->failure.text;
     }
 }
 

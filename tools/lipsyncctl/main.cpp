@@ -2,12 +2,11 @@
 
 #include <clocale>
 #include <csignal>
-#include <cstdlib>
-#include <iostream>
 
 #include "tools/lipsyncctl/Commands.h"
 #include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Options.h"
+#include "tools/lipsyncctl/Output.h"
 
 namespace {
 
@@ -29,15 +28,10 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     lipsyncctl::Options options;
     if (const auto status = lipsyncctl::readOptions(argc, argv, options)) {
-        return *status;
+        return lipsyncctl::finishOutput(*status);
     }
     if (!options.showsLog) {
         lipsyncctl::dropLog();
     }
-    const int status = lipsyncctl::runCommand(options);
-    if (!std::cout.flush()) {
-        lipsyncctl::complain("cannot write to standard output");
-        return EXIT_FAILURE;
-    }
-    return status;
+    return lipsyncctl::finishOutput(lipsyncctl::runCommand(options));
 }
