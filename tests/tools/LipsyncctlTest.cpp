@@ -1,9 +1,14 @@
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <regex>
+#include <thread>
 
 #include "tests/tools/Engine.h"
 
@@ -23,6 +28,13 @@ double parseTime(const std::string& utc) {
     return fraction == nullptr ? 0 : static_cast<double>(timegm(&time)) + std::atof(fraction);
 }
 
+// The next record; error messages are between them.
+nlohmann::json readRecord(const Process& watch) {
+    const std::string start = "{\"time\"";
+    watch.readUntil(start);
+    return nlohmann::json::parse(start + watch.readUntil("\n"));
+}
+
 } // namespace
 
 TEST_F(Lipsyncctl, AnswersPeopleAndPrograms) {
@@ -39,7 +51,8 @@ TEST_F(Lipsyncctl, AnswersPeopleAndPrograms) {
          "capture_utc,rendering_utc,receiving_utc,error\n"
          "([0-9.]+,[0-9]+,[0-9]+,[0-9]+,[0-9.]+,[0-9]+,([-0-9]{10}T[0-9:]{8}[.][0-9]{3}Z,){4}\n)"
          "{3}"},
-        {"ping --count 3", "3 exchanges: min .* ms, median .*, 99th percentile .*, max .* ms\n"},
+        {"ping --count 3",
+         "3 exchanges, 0 refused: min .* ms, median .*, 99th percentile .*, max .* ms\n"},
         {"--version", "lipsyncctl [0-9]+[.][0-9]+[.][0-9]+\n"},
     };
     for (const auto& [arguments, expected] : cases) {
@@ -97,6 +110,7 @@ TEST_F(Lipsyncctl, FailsWithAStatusAndTheReason) {
     fails("margin get margin set 40", 2, "lipsyncctl: The following argument");
     fails("ping timestamps", 2, "lipsyncctl: The following argument");
     fails("ping --count 4000000000", 2, "lipsyncctl: --count");
+    fails("ping --timeout 0", 2, "lipsyncctl: --timeout");
     fails("send-video --capture -1", 2, "lipsyncctl: --capture");
     fails("send-video --rendering 18446744073709551616", 2, "lipsyncctl: --rendering");
     fails("timestamps --count 3", 2, "lipsyncctl: --count requires --watch");
@@ -137,6 +151,63 @@ TEST_F(Lipsyncctl, MakesTheEnginesMessagePrintable) {
     EXPECT_TRUE(std::regex_match(
         watch.readUntil("\n"),
         std::regex("[0-9.]+,,,,,,[^,]+Z,,,,\"The .*\"\"red\"\", .*x9b .x7f[}]\"\n")));
+}
+
+TEST_F(Lipsyncctl, GivesUpAfterTheTimeout) {
+    const Engine engine(socket, {"--fault", "silence", "--every", "3"});
+    run(LIPSYNCCTL, "margin set 20 --timeout 30000" + at);
+    const std::string output = run(LIPSYNCCTL, "ping --timeout 400 --format json" + at, 4);
+    EXPECT_PRED_FORMAT2(IsSubstring, "{\"exchanges\":1,", output);
+    EXPECT_PRED_FORMAT2(IsSubstring, "lipsyncctl: no answer within 400 ms\n", output);
+    EXPECT_PRED_FORMAT2(IsSubstring, "{\"error\":{\"code\":1005,\"text\":\"no ans", output);
+    // A watch gets its second reading on a new connection.
+    EXPECT_PRED_FORMAT2(
+        IsSubstring, "Waiting for the engine: no answer within 400 ms\n",
+        run(LIPSYNCCTL, "timestamps --watch --count 4 --interval 1 --timeout 400" + at));
+}
+
+TEST_F(Lipsyncctl, GivesUpIfTheEngineDoesNotAcceptConnections) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    socket.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+    const int listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    const int waiting = ::socket(AF_UNIX, SOCK_STREAM, 0);
+    ASSERT_EQ(bind(listener, name, sizeof(address)), 0);
+    ASSERT_EQ(listen(listener, 0), 0);
+    ASSERT_EQ(connect(waiting, name, sizeof(address)), 0);
+    expectFailure(LIPSYNCCTL, "capabilities --timeout 100" + at, 4,
+                  "lipsyncctl: no connection within 100 ms\n");
+    close(waiting);
+    close(listener);
+}
+
+TEST_F(Lipsyncctl, PingCountsRefusalsAndPrintsItsFiguresWhenInterrupted) {
+    const Engine engine(
+        socket, {"--verbose", "--fault", "error 1002", "--fault", "error 7", "--fault", "silence"});
+    Process ping({LIPSYNCCTL, "ping", "--socket", socket});
+    for (int request = 0; request < 3; ++request) {
+        engine.readUntil("GetAudioTs_Request");
+    }
+    // Now it waits for an answer.
+    ping.signal(SIGINT);
+    EXPECT_PRED_FORMAT2(IsSubstring, "2 exchanges, 2 refused: min ", ping.readAll());
+    EXPECT_EQ(ping.wait(), 0);
+}
+
+TEST_F(Lipsyncctl, ReadsAtTheIntervalAgainAfterAnOutage) {
+    const Process watch({LIPSYNCCTL, "timestamps", "--watch", "--interval", "1000", "--format",
+                         "json", "--socket", socket});
+    const nlohmann::json outage = readRecord(watch);
+    EXPECT_EQ(outage["error"]["code"], 1004);
+    EXPECT_TRUE(outage["latency_ms"].is_null());
+    // Long enough for several attempts to connect.
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    const Engine engine(socket);
+    const nlohmann::json first = readRecord(watch);
+    EXPECT_TRUE(first["error"].is_null());
+    const double pause = readRecord(watch)["time"].get<double>() - first["time"].get<double>();
+    EXPECT_NEAR(pause, 1, 0.9);
 }
 
 TEST_F(Lipsyncctl, WatchesAnEngineThatGoesAwayComesBackAndFallsSilent) {

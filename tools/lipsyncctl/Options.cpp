@@ -28,7 +28,8 @@ CLI::App* declareCommand(CLI::App& parent, Options& options, const std::string& 
                          Command command, const std::string& description) {
     CLI::App* const app = parent.add_subcommand(name, description);
     app->footer(
-        "Every command also accepts --socket, --format and --log: see lipsyncctl --help.\n");
+        "Every command also accepts --socket, --format, --timeout and --log: see\n"
+        "lipsyncctl --help.\n");
     app->callback([&options, name, command] {
         if (options.command) {
             throw CLI::ExtrasError({name});
@@ -79,7 +80,8 @@ void declareTimestamps(CLI::App& app, Options& options) {
 void declarePing(CLI::App& app, Options& options) {
     CLI::App* const ping = declareCommand(
         app, options, "ping", Command::Ping,
-        "Measure how long an exchange takes: minimum, median, 99th percentile, maximum.");
+        "Measure how long an exchange takes: minimum, median, 99th percentile, maximum. An error "
+        "from the engine is an answer too, but is counted as a refusal");
     ping->add_option("--count", options.exchanges, "Number of exchanges")
         ->type_name("N")
         ->check(decimal(1, 1000000))
@@ -118,6 +120,11 @@ void declareGeneralOptions(CLI::App& app, Options& options) {
            "Output format: text (default) for people, json or csv for programs")
         ->type_name("text|json|csv")
         ->check(CLI::IsMember(&formats));
+    app.add_option("--timeout", options.timeoutMs,
+                   "Give up if connecting or an exchange takes longer than this, in ms; a watch "
+                   "then reconnects (default: wait without limit)")
+        ->type_name("MS")
+        ->check(decimal(1, hourMs));
     app.add_flag("--log", options.showsLog, "Show the library's log lines on standard error");
 }
 
@@ -131,12 +138,12 @@ constexpr const char* notes =
     "  1  any other failure, for example if the results cannot be written\n"
     "  2  wrong usage\n"
     "  3  cannot connect to the engine\n"
-    "  4  the connection failed, or an answer could not be read\n"
+    "  4  the connection failed, or the engine did not answer in time\n"
     "  5  the engine is not in a call\n"
     "  6  the engine refused the request\n"
     "\nExamples:\n"
     "  lipsyncctl timestamps\n"
-    "  lipsyncctl margin set 40 --socket /tmp/engine\n"
+    "  lipsyncctl margin set 40 --socket /tmp/engine --timeout 500\n"
     "  lipsyncctl timestamps --watch\n"
     "  lipsyncctl timestamps --watch --interval 100 --format csv > run.csv\n"
     "  lipsyncctl ping --count 1000 --format json\n";

@@ -16,6 +16,7 @@ enum class Command { Capabilities, MarginGet, MarginSet, Timestamps, Ping, SendV
 struct Options {
     std::string socket;
     Format format = Format::Text;
+    unsigned long timeoutMs = 0; ///< For each call to the engine; 0 means none.
     bool showsLog = false;
     std::optional<Command> command;
     unsigned long marginMs = 0;

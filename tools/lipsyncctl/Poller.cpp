@@ -16,8 +16,10 @@ constexpr std::size_t maxEvents = 1000;
 
 } // namespace
 
-Poller::Poller(std::string socket, std::chrono::milliseconds interval)
-    : _socket(std::move(socket)), _interval(interval), _thread([this] { poll(); }) {}
+Poller::Poller(const Options& options)
+    : _interval(options.intervalMs),
+      _connection(options.socket, std::chrono::milliseconds(options.timeoutMs)),
+      _thread([this] { poll(); }) {}
 
 Poller::~Poller() {
     stop();
@@ -37,63 +39,41 @@ void Poller::stop() {
     {
         const std::lock_guard<std::mutex> lock(_mutex);
         _isStopping = true;
-        if (_exchanging != nullptr) {
-            _exchanging->cancel();
-        }
     }
     _changed.notify_all();
+    _connection.stop();
     if (_thread.joinable()) {
         _thread.join();
     }
 }
 
 void Poller::poll() {
-    Service service;
-    bool isConnected = false;
-    auto due = std::chrono::steady_clock::now();
-    for (;;) {
-        report(readOnce(service, isConnected));
-        const auto now = std::chrono::steady_clock::now();
-        due = std::max(due + _interval, now);
-        if (!pause(isConnected ? due - now : reconnectPause)) {
-            return;
-        }
-    }
+    using std::chrono::steady_clock;
+    auto due = steady_clock::now();
+    do {
+        report(readOnce());
+        const auto now = steady_clock::now();
+        // Without a connection, the interval does not count: the first reading after an outage
+        // comes as soon as possible, and the next ones follow it at the interval.
+        due = _connection.isConnected() ? std::max(due + _interval, now) : now + reconnectPause;
+    } while (pauseUntil(due));
 }
 
-Poller::Event Poller::readOnce(Service& service, bool& isConnected) {
-    if (!isConnected) {
-        const Service::Result connected = service.connect(_socket);
-        if (connected.isFailure()) {
-            return {std::nullopt, Failure{connected.code, connected.format()}};
+Poller::Event Poller::readOnce() {
+    if (!_connection.isConnected()) {
+        if (const auto failure = _connection.connect()) {
+            return {std::nullopt, *failure};
         }
-        isConnected = true;
     }
     Reading reading;
-    const Service::Result result = exchange(service, reading);
-    if (result.isSuccess()) {
-        return {reading, {}};
-    }
-    if (result.code == Service::ResultCode::TransportError) {
-        service.disconnect();
-        isConnected = false;
-    }
-    return {std::nullopt, Failure{result.code, result.format()}};
-}
-
-Poller::Service::Result Poller::exchange(Service& service, Reading& reading) {
-    {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        if (_isStopping) {
-            return Service::ResultCode::UnknownError;
+    if (const auto failure = _connection.getTimestamps(reading.timestamps)) {
+        if (!failure->isRefusal()) {
+            _connection.disconnect();
         }
-        _exchanging = &service;
+        return {std::nullopt, *failure};
     }
-    Service::Result result = service.getAudioTimestamps(reading.timestamps);
     reading.time = now();
-    const std::lock_guard<std::mutex> lock(_mutex);
-    _exchanging = nullptr;
-    return result;
+    return {reading, {}};
 }
 
 void Poller::report(Event event) {
@@ -106,9 +86,9 @@ void Poller::report(Event event) {
 }
 
 // Returns false if the thread must stop.
-bool Poller::pause(std::chrono::nanoseconds time) {
+bool Poller::pauseUntil(std::chrono::steady_clock::time_point time) {
     std::unique_lock<std::mutex> lock(_mutex);
-    return !_changed.wait_for(lock, time, [this] { return _isStopping; });
+    return !_changed.wait_until(lock, time, [this] { return _isStopping; });
 }
 
 } // namespace lipsyncctl

@@ -5,10 +5,10 @@
 #include <deque>
 #include <mutex>
 #include <optional>
-#include <string>
 #include <thread>
 
-#include "lipsyncapi/Service.h"
+#include "tools/lipsyncctl/Connection.h"
+#include "tools/lipsyncctl/Options.h"
 #include "tools/lipsyncctl/Reading.h"
 
 namespace lipsyncctl {
@@ -23,7 +23,7 @@ public:
         Failure failure;
     };
 
-    Poller(std::string socket, std::chrono::milliseconds interval);
+    explicit Poller(const Options& options);
     ~Poller();
 
     Poller(const Poller&) = delete;
@@ -36,21 +36,17 @@ public:
     void stop();
 
 private:
-    using Service = velta::zub::lipsyncapi::Service;
-
     void poll();
-    Event readOnce(Service& service, bool& isConnected);
-    Service::Result exchange(Service& service, Reading& reading);
+    Event readOnce();
     void report(Event event);
-    bool pause(std::chrono::nanoseconds time);
+    bool pauseUntil(std::chrono::steady_clock::time_point time);
 
-    std::string _socket;
-    std::chrono::milliseconds _interval;
+    const std::chrono::milliseconds _interval;
+    Connection _connection;
     std::mutex _mutex;
     std::condition_variable _changed;
     std::deque<Event> _events;
     bool _isStopping = false;
-    Service* _exchanging = nullptr; ///< Set during an exchange, which may then be cancelled.
     std::thread _thread;
 };
 

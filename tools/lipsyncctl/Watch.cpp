@@ -3,10 +3,11 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <csignal>
+#include <cstdlib>
 #include <iostream>
 #include <optional>
 
+#include "tools/lipsyncctl/Interrupt.h"
 #include "tools/lipsyncctl/LiveView.h"
 #include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Output.h"
@@ -17,25 +18,12 @@ namespace lipsyncctl {
 
 namespace {
 
+// How often the loops look for a signal or a key.
 constexpr std::chrono::milliseconds patience{100};
 
-volatile std::sig_atomic_t isInterrupted = 0;
-
-void interrupt(int) {
-    isInterrupted = 1;
+bool isEnough(const Options& options, unsigned long readings) {
+    return options.readings > 0 && readings >= options.readings;
 }
-
-// Counts readings down; 0 means no limit.
-class Countdown {
-public:
-    explicit Countdown(unsigned long count) : _left(count), _isEndless(count == 0) {}
-    bool isOver() const { return !_isEndless && _left == 0; }
-    void count() { --_left; }
-
-private:
-    unsigned long _left;
-    bool _isEndless;
-};
 
 std::string explained(const Failure& failure) {
     return (failure.isRefusal() ? "The engine refused the request: " : "Waiting for the engine: ") +
@@ -48,35 +36,34 @@ void watchOnTerminal(const Options& options) {
         dropLog();
     }
     LiveView view(options.socket);
-    Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
-    Countdown readings(options.readings);
-    while (isInterrupted == 0 && !readings.isOver() && view.refresh()) {
+    Poller poller(options);
+    unsigned long readings = 0;
+    while (!isInterrupted() && !isEnough(options, readings) && view.refresh()) {
         const std::optional<Poller::Event> event = poller.next(patience);
         if (!event) {
             continue;
         }
         if (event->reading) {
             view.show(*event->reading);
-            readings.count();
+            ++readings;
         } else {
             view.showFailure(explained(event->failure));
         }
     }
 }
 
-void watchInLines(const Options& options) {
-    Poller poller(options.socket, std::chrono::milliseconds(options.intervalMs));
-    Output output(options.format);
-    Countdown readings(options.readings);
+void watchInLines(const Options& options, Output& output) {
+    Poller poller(options);
+    unsigned long readings = 0;
     std::string lastFailure;
-    while (isInterrupted == 0 && !readings.isOver() && std::cout.good()) {
+    while (!isInterrupted() && !isEnough(options, readings) && std::cout.good()) {
         const std::optional<Poller::Event> event = poller.next(patience);
-        if (!event) {
+        if (!event || isInterrupted()) {
             continue;
         }
         if (event->reading) {
             output.print(event->reading->record(), event->reading->text());
-            readings.count();
+            ++readings;
         } else if (event->failure.text != lastFailure) {
             complain(explained(event->failure));
             output.print(outageRecord(now(), event->failure));
@@ -87,20 +74,15 @@ void watchInLines(const Options& options) {
 
 } // namespace
 
-void watchTimestamps(const Options& options) {
-    // No SA_RESTART: a signal interrupts blocking calls, for example a write to a full pipe.
-    // SA_RESETHAND: a second signal ends the process at once.
-    struct sigaction action {};
-    action.sa_handler = interrupt;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-    const bool hasTerminal = options.format == Format::Text && LiveView::isPossible();
-    if (hasTerminal) {
+int watchTimestamps(const Options& options) {
+    catchInterrupts();
+    Output output(options.format);
+    if (options.format == Format::Text && LiveView::isPossible()) {
         watchOnTerminal(options);
     } else {
-        watchInLines(options);
+        watchInLines(options, output);
     }
+    return EXIT_SUCCESS;
 }
 
 } // namespace lipsyncctl
