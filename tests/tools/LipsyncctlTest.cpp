@@ -178,6 +178,13 @@ TEST_F(Lipsyncctl, GivesUpIfTheEngineDoesNotAcceptConnections) {
     ASSERT_EQ(connect(waiting, name, sizeof(address)), 0);
     expectFailure(LIPSYNCCTL, "capabilities --timeout 100" + at, 4,
                   "lipsyncctl: no connection within 100 ms\n");
+    // A watch that waits for the connection can be ended.
+    Process view({LIPSYNCCTL, "timestamps", "--watch", "-s", socket}, Process::ToTerminal);
+    if (view.hasStarted()) {
+        view.readUntil("No answer for");
+        view.write("\x03");
+        EXPECT_EQ(view.wait(), 0);
+    }
     close(waiting);
     close(listener);
 }
@@ -243,5 +250,34 @@ TEST_F(Lipsyncctl, ShowsALiveViewAndLeavesTheTerminalAsItWas) {
     // The terminal's previous text is restored.
     const std::string end = view.readAll();
     EXPECT_PRED_FORMAT2(IsSubstring, "\x1b[?1049l", end);
+    EXPECT_PRED_FORMAT2(IsSubstring, ", outages 1\r\nLatency: min ", end);
     EXPECT_EQ(view.wait(), 0);
+}
+
+TEST_F(Lipsyncctl, LiveViewSaysThatTheEngineIsSilentAndQuitsOnKeys) {
+    const Engine engine(socket, {"--fault", "silence"});
+    const std::pair<const char*, const char*> cases[] = {
+        {"Connecting", "q"}, {"Connecting", "Q"}, {"No answer for", "\x1b"}};
+    for (const auto& [state, key] : cases) {
+        Process view({LIPSYNCCTL, "timestamps", "--watch", "--socket", socket},
+                     Process::ToTerminal);
+        if (!view.hasStarted()) {
+            GTEST_SKIP() << "no pseudo-terminal can be opened";
+        }
+        view.readUntil(state);
+        view.write(key);
+        EXPECT_PRED_FORMAT2(IsSubstring, "Readings 0, refusals 0, outages 0\r\n", view.readAll());
+        EXPECT_EQ(view.wait(), 0);
+    }
+}
+
+TEST_F(Lipsyncctl, PrintsLinesOnATerminalWithoutAMovableCursor) {
+    const Engine engine(socket);
+    Process watch({"/usr/bin/env", "TERM=dumb", LIPSYNCCTL, "timestamps", "--watch", "--count", "1",
+                   "--socket", socket},
+                  Process::ToTerminal);
+    if (!watch.hasStarted()) {
+        GTEST_SKIP() << "no pseudo-terminal can be opened";
+    }
+    EXPECT_EQ(watch.readAll().substr(0, 9), "captured ");
 }

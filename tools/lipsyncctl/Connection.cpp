@@ -73,6 +73,14 @@ void Connection::stop() {
     _isStopped = true;
 }
 
+std::chrono::duration<double> Connection::waitingTime() {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    if (_phase == Phase::Idle) {
+        return std::chrono::duration<double>::zero();
+    }
+    return std::chrono::steady_clock::now() - _start;
+}
+
 template <typename Call>
 std::optional<Failure> Connection::run(Phase phase, const Call& call) {
     {

@@ -15,8 +15,8 @@
 namespace lipsyncctl {
 
 /// A connection to the engine whose calls can be ended: by a timeout, by `stop`, and by a signal
-/// that was caught with `catchInterrupts`. One thread at a time, except for `stop`.
-/// The calls return nothing if they succeed.
+/// that was caught with `catchInterrupts`. One thread at a time, except for `stop` and
+/// `waitingTime`. The calls return nothing if they succeed.
 class Connection {
 public:
     using Service = velta::zub::lipsyncapi::Service;
@@ -40,6 +40,9 @@ public:
 
     /// Ends the call that is running, and every later one. Any thread.
     void stop();
+
+    /// For how long the running call has been waiting; 0 if none is running. Any thread.
+    std::chrono::duration<double> waitingTime();
 
 private:
     enum class Phase { Idle, Connecting, Exchanging };

@@ -1,176 +1,141 @@
 #include "tools/lipsyncctl/LiveView.h"
 
 #include <ncurses.h>
-#include <term.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 #include "tools/common/Printable.h"
+#include "tools/lipsyncctl/Text.h"
 #include "tools/lipsyncctl/Time.h"
 
 namespace lipsyncctl {
 
 namespace {
 
-constexpr int labelWidth = 16;
-constexpr int stripTop = 9;
-constexpr int stripHeight = 8;
-constexpr int failureLines = 4;
-constexpr int stripSeconds = 60;
-constexpr double jitterScaleMs = 200;
+// Writes one row; what does not fit is cut.
+void drawRow(int row, const std::string& text) {
+    mvaddnstr(row, 0, text.c_str(), COLS);
+}
 
-// Draws a bar that is filled to this share.
-void drawBar(int cells, double share) {
-    const int filled = static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * cells));
-    addch('[');
-    for (int cell = 0; cell < cells; ++cell) {
-        addch(cell < filled ? ACS_CKBOARD : ' ');
+void drawValue(int row, const char* label, const std::string& value) {
+    drawRow(row, printed("%-16s", label) + value);
+}
+
+// Draws the depth with a bar in the rest of the row, if there is room.
+void drawJitterBuffer(int row, unsigned long depthMs) {
+    constexpr double fullMs = 200;
+    const std::string depth = printed("%4lu ms ", depthMs);
+    drawValue(row, "Jitter buffer", depth);
+    const int column = 16 + static_cast<int>(depth.size());
+    const int cells = std::min(40, COLS - column - 6);
+    if (cells < 5) {
+        return;
     }
-    addch(']');
+    const double share = std::min(static_cast<double>(depthMs) / fullMs, 1.0);
+    mvaddch(row, column, '[');
+    mvhline(row, column + 1, ACS_CKBOARD, static_cast<int>(std::lround(share * cells)));
+    mvprintw(row, column + 1 + cells, "] %.0f", fullMs);
+}
+
+bool wantsToQuit() {
+    constexpr int escape = 27;
+    bool quits = false;
+    for (int key = getch(); key != ERR; key = getch()) {
+        quits = quits || key == 'q' || key == 'Q' || key == escape;
+    }
+    return quits;
 }
 
 } // namespace
 
-bool LiveView::isPossible() {
-    int error = 0;
-    if (isatty(STDOUT_FILENO) != 1 || setupterm(nullptr, STDOUT_FILENO, &error) != OK) {
-        return false;
-    }
-    del_curterm(cur_term);
-    return true;
-}
-
-LiveView::LiveView(const std::string& socket) : _socket(tools::printable(socket)) {
+LiveView::LiveView(const std::string& socket) : _title("lipsyncctl  " + tools::printable(socket)) {
+    // After the Esc key, ncurses waits for the rest of a key's sequence: by default for a second.
+    set_escdelay(25);
     initscr();
     cbreak();
     noecho();
     nodelay(stdscr, TRUE);
     keypad(stdscr, TRUE);
     curs_set(0);
-    draw();
 }
 
 LiveView::~LiveView() {
     endwin();
 }
 
-void LiveView::show(const Reading& reading) {
+void LiveView::add(const Reading& reading) {
     _reading = reading;
-    _hasReading = true;
-    _failure.clear();
-    const long second = static_cast<long>(reading.time);
-    if (_lastMinute.empty() || _lastMinute.back().time != second) {
-        _lastMinute.push_back({second, reading.latencyMs()});
-    } else {
-        _lastMinute.back().latencyMs = std::max(_lastMinute.back().latencyMs, reading.latencyMs());
-    }
-    while (_lastMinute.front().time <= second - stripSeconds) {
-        _lastMinute.pop_front();
-    }
-    draw();
+    _failure.reset();
+    _summary.addReading(reading.latencyMs());
+    _strip.add(reading.time, reading.latencyMs());
 }
 
-void LiveView::showFailure(const std::string& failure) {
-    _failure = tools::printable(failure);
-    draw();
+void LiveView::add(const Failure& failure) {
+    _failure = failure;
+    _failure->text = tools::printable(failure.text);
+    _summary.addFailure(failure);
 }
 
-bool LiveView::refresh() {
-    bool staysOpen = true;
-    for (int key = getch(); key != ERR; key = getch()) {
-        staysOpen = staysOpen && key != 'q';
-    }
-    draw();
-    return staysOpen;
-}
-
-void LiveView::draw() const {
+bool LiveView::refresh(std::chrono::duration<double> waitingTime) {
+    constexpr int rowsForBlanks = 16;
+    const int blank = LINES >= rowsForBlanks ? 1 : 0;
     erase();
-    mvaddnstr(0, 0, ("lipsyncctl  " + _socket).c_str(), COLS);
-    mvaddnstr(1, 0, status().c_str(), COLS);
-    drawTimestamps();
-    if (LINES >= stripTop + stripHeight + 3) {
-        drawStrip();
+    drawRow(0, _title);
+    drawRow(1, status(waitingTime.count()));
+    const int top = drawReading(2 + blank) + blank;
+    const int end = LINES - 1;
+    const int failureTop = end - failureRows(end - top);
+    _strip.draw(top, failureTop - top);
+    if (failureTop < end) {
+        mvaddnstr(failureTop, 0, _failure->text.c_str(), COLS * (end - failureTop));
     }
-    move(LINES - 1, 0);
-    clrtoeol();
-    mvaddnstr(LINES - 1, 0, "Press q or Ctrl-C to quit", COLS - 1);
-    if (!_failure.empty()) {
-        // On several lines if necessary.
-        mvaddnstr(std::max(2, LINES - failureLines), 0, _failure.c_str(), COLS * failureLines - 1);
-    }
+    drawRow(end, "Press q or Ctrl-C to quit");
     ::refresh();
+    return !wantsToQuit();
 }
 
-std::string LiveView::status() const {
-    char age[64] = "";
-    if (_hasReading) {
-        std::snprintf(age, sizeof(age), "Last reading %.1f s ago",
-                      std::max(0.0, now() - _reading.time));
+std::string LiveView::status(double waitingSeconds) const {
+    constexpr double patienceSeconds = 1;
+    const std::string age = _reading
+                                ? printed("data %.1f s old", std::max(0.0, now() - _reading->time))
+                                : "no data yet";
+    std::string state = "Connected";
+    if (waitingSeconds >= patienceSeconds) {
+        state = printed("No answer for %.0f s", std::floor(waitingSeconds));
+    } else if (_failure) {
+        state = _failure->isRefusal() ? "Refused by the engine" : "Waiting for the engine";
+    } else if (!_reading) {
+        state = "Connecting";
     }
-    if (_failure.empty()) {
-        return _hasReading ? age : "Waiting for the first reading";
-    }
-    return _failure.substr(0, _failure.find(':')) + (_hasReading ? std::string(". ") + age : "");
+    return state + ", " + age;
 }
 
-void LiveView::drawTimestamps() const {
-    if (!_hasReading) {
-        return;
+// Returns the row after the last one.
+int LiveView::drawReading(int row) const {
+    if (_reading) {
+        const auto& timestamps = _reading->timestamps;
+        const auto time = [](unsigned long ntp) { return timeOfDay(fromNtp(ntp)); };
+        drawValue(row++, "Captured", time(timestamps.audioCaptureTimestamp));
+        drawValue(row++, "Received", time(timestamps.audioReceivingTimestamp));
+        drawValue(row++, "Rendered", time(timestamps.audioRenderingTimestamp));
+        drawValue(row++, "Latency",
+                  printed("%.1f ms from capture to rendering", _reading->latencyMs()));
+        drawJitterBuffer(row++, timestamps.jbmCurrentDepth);
+        drawValue(row++, "Margin",
+                  printed("%lu ms, the last confirmed on this connection", _reading->marginMs));
     }
-    const auto& timestamps = _reading.timestamps;
-    const struct {
-        const char* label;
-        unsigned long ntp;
-    } times[] = {
-        {"Captured", timestamps.audioCaptureTimestamp},
-        {"Received", timestamps.audioReceivingTimestamp},
-        {"Rendered", timestamps.audioRenderingTimestamp},
-    };
-    int row = 3;
-    for (const auto& time : times) {
-        mvprintw(row++, 0, "%-*s%s", labelWidth, time.label, timeOfDay(fromNtp(time.ntp)).c_str());
-    }
-    mvprintw(row++, 0, "%-*s%.1f ms from capture to rendering", labelWidth, "Latency",
-             _reading.latencyMs());
-    mvprintw(row, 0, "%-*s%4lu ms ", labelWidth, "Jitter buffer", timestamps.jbmCurrentDepth);
-    drawBar(std::clamp(COLS - labelWidth - 20, 10, 40),
-            static_cast<double>(timestamps.jbmCurrentDepth) / jitterScaleMs);
-    printw(" %.0f", jitterScaleMs);
+    drawRow(row++, _summary.counts());
+    return row;
 }
 
-// Draws the latency of the last minute: one column per second with its maximum, the current second
-// on the right.
-void LiveView::drawStrip() const {
-    constexpr int top = stripTop;
-    double largest = 0;
-    for (const Second& second : _lastMinute) {
-        largest = std::max(largest, second.latencyMs);
+// The rows for the text of the failure. The figures have priority.
+int LiveView::failureRows(int available) const {
+    if (!_failure) {
+        return 0;
     }
-    constexpr double stepMs = 50;
-    const double scaleMs = std::max(stepMs, std::ceil(largest / stepMs) * stepMs);
-    mvaddstr(top, 0, "Maximum latency in each second of the last minute, ms");
-    mvprintw(top + 1, 0, "%5.0f ", scaleMs);
-    mvprintw(top + stripHeight, 0, "%5.0f ", scaleMs / stripHeight);
-    const int stripColumns = std::clamp(COLS - 8, 1, stripSeconds);
-    const long present = static_cast<long>(now());
-    mvvline(top + 1, 6, ACS_VLINE, stripHeight);
-    mvhline(top + stripHeight + 1, 6, ACS_HLINE, stripColumns + 1);
-    mvaddch(top + stripHeight + 1, 6, ACS_LLCORNER);
-    for (const Second& second : _lastMinute) {
-        const long age = present - second.time;
-        if (age < 0 || age >= stripColumns) {
-            continue;
-        }
-        const int height = static_cast<int>(std::lround(second.latencyMs / scaleMs * stripHeight));
-        for (int cell = 0; cell < std::clamp(height, 0, stripHeight); ++cell) {
-            mvaddch(top + stripHeight - cell, 7 + stripColumns - 1 - static_cast<int>(age),
-                    ACS_CKBOARD);
-        }
-    }
+    const int needed = static_cast<int>(_failure->text.size()) / COLS + 1;
+    return std::clamp(needed, 0, std::max(available, 0));
 }
 
 } // namespace lipsyncctl

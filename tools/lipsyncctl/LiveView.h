@@ -1,47 +1,43 @@
 #pragma once
 
-#include <deque>
+#include <chrono>
+#include <optional>
 #include <string>
 
+#include "tools/lipsyncctl/Failure.h"
+#include "tools/lipsyncctl/LatencyStrip.h"
 #include "tools/lipsyncctl/Reading.h"
+#include "tools/lipsyncctl/Summary.h"
 
 namespace lipsyncctl {
 
 /// Shows the timestamps full-screen on the terminal. The destructor restores the terminal.
 class LiveView {
 public:
-    /// Whether standard output is a terminal of a known type.
-    static bool isPossible();
-
     explicit LiveView(const std::string& socket);
     ~LiveView();
 
     LiveView(const LiveView&) = delete;
     LiveView& operator=(const LiveView&) = delete;
 
-    void show(const Reading& reading);
-    void showFailure(const std::string& failure);
+    void add(const Reading& reading);
+    void add(const Failure& failure);
+    const Summary& summary() const { return _summary; }
 
-    /// Redraws, in case the terminal was resized, and updates the age of the last reading. Returns
-    /// false if the user wants to quit.
-    bool refresh();
+    /// Draws everything. `waitingTime` is for how long the engine has owed an answer. Returns false
+    /// if the user wants to quit.
+    bool refresh(std::chrono::duration<double> waitingTime);
 
 private:
-    struct Second {
-        long time;
-        double latencyMs;
-    };
+    std::string status(double waitingSeconds) const;
+    int drawReading(int row) const;
+    int failureRows(int available) const;
 
-    void draw() const;
-    std::string status() const;
-    void drawTimestamps() const;
-    void drawStrip() const;
-
-    std::string _socket;
-    Reading _reading;
-    bool _hasReading = false;
-    std::string _failure;
-    std::deque<Second> _lastMinute;
+    const std::string _title;
+    std::optional<Reading> _reading;
+    std::optional<Failure> _failure;
+    Summary _summary;
+    LatencyStrip _strip;
 };
 
 } // namespace lipsyncctl

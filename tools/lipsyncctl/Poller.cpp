@@ -73,6 +73,7 @@ Poller::Event Poller::readOnce() {
         return {std::nullopt, *failure};
     }
     reading.time = now();
+    _connection.service().getAudioDelayMargin(reading.marginMs);
     return {reading, {}};
 }
 

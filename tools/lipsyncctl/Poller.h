@@ -32,6 +32,9 @@ public:
     /// Waits for the next event; returns nothing after the timeout.
     std::optional<Event> next(std::chrono::milliseconds timeout);
 
+    /// For how long the engine has owed an answer; 0 if it owes none.
+    std::chrono::duration<double> waitingTime() { return _connection.waitingTime(); }
+
     /// Stops the thread, even if it waits for a silent engine.
     void stop();
 

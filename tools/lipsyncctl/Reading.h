@@ -12,6 +12,7 @@ namespace lipsyncctl {
 struct Reading {
     double time = 0; ///< Seconds since 1970.
     velta::zub::common::LipSyncNtpTimestamps timestamps;
+    unsigned long marginMs = 0; ///< The last one confirmed on this connection, not in the record.
 
     /// The time from capture to rendering; ms.
     double latencyMs() const;

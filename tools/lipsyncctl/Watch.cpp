@@ -12,6 +12,8 @@
 #include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Output.h"
 #include "tools/lipsyncctl/Poller.h"
+#include "tools/lipsyncctl/Summary.h"
+#include "tools/lipsyncctl/Terminal.h"
 #include "tools/lipsyncctl/Time.h"
 
 namespace lipsyncctl {
@@ -30,26 +32,31 @@ std::string explained(const Failure& failure) {
            failure.text;
 }
 
-void watchOnTerminal(const Options& options) {
+// Passes on all events that have arrived, so that the view is not drawn for each of them.
+void update(LiveView& view, Poller& poller, const Options& options) {
+    auto event = poller.next(patience);
+    while (event && !isEnough(options, view.summary().readings())) {
+        if (event->reading) {
+            view.add(*event->reading);
+        } else {
+            view.add(event->failure);
+        }
+        event = poller.next(std::chrono::milliseconds::zero());
+    }
+}
+
+std::string watchOnTerminal(const Options& options) {
     if (options.showsLog && isatty(STDERR_FILENO) == 1) {
         // The log lines would overwrite the view.
         dropLog();
     }
     LiveView view(options.socket);
     Poller poller(options);
-    unsigned long readings = 0;
-    while (!isInterrupted() && !isEnough(options, readings) && view.refresh()) {
-        const std::optional<Poller::Event> event = poller.next(patience);
-        if (!event) {
-            continue;
-        }
-        if (event->reading) {
-            view.show(*event->reading);
-            ++readings;
-        } else {
-            view.showFailure(explained(event->failure));
-        }
+    while (!isInterrupted() && !isEnough(options, view.summary().readings()) &&
+           view.refresh(poller.waitingTime())) {
+        update(view, poller, options);
     }
+    return view.summary().text();
 }
 
 void watchInLines(const Options& options, Output& output) {
@@ -77,8 +84,9 @@ void watchInLines(const Options& options, Output& output) {
 int watchTimestamps(const Options& options) {
     catchInterrupts();
     Output output(options.format);
-    if (options.format == Format::Text && LiveView::isPossible()) {
-        watchOnTerminal(options);
+    if (options.format == Format::Text && hasMovableCursor()) {
+        const std::string summary = watchOnTerminal(options);
+        output.print({}, summary);
     } else {
         watchInLines(options, output);
     }
