@@ -136,6 +136,8 @@ TEST_F(Lipsyncctl, EndsQuietlyWhenItsReaderHasGone) {
         {"/bin/sh", "-c", LIPSYNCCTL " timestamps --watch --interval 1" + at + "|head -n1"});
     EXPECT_EQ(std::regex_replace(pipe.readAll(), std::regex("captured .* ms\n"), "."), ".");
     EXPECT_EQ(pipe.wait(), 0);
+    const Process help({"/bin/sh", "-c", "(sleep 0.2; " LIPSYNCCTL " --help) | true"});
+    EXPECT_EQ(help.readAll(), "");
 }
 
 TEST_F(Lipsyncctl, MakesTheEnginesMessagePrintable) {
@@ -202,19 +204,24 @@ TEST_F(Lipsyncctl, PingCountsRefusalsAndPrintsItsFiguresWhenInterrupted) {
     EXPECT_EQ(ping.wait(), 0);
 }
 
-TEST_F(Lipsyncctl, ReadsAtTheIntervalAgainAfterAnOutage) {
-    const Process watch({LIPSYNCCTL, "timestamps", "--watch", "--interval", "1000", "--format",
-                         "json", "--socket", socket});
-    const nlohmann::json outage = readRecord(watch);
-    EXPECT_EQ(outage["error"]["code"], 1004);
-    EXPECT_TRUE(outage["latency_ms"].is_null());
+TEST_F(Lipsyncctl, ReadsAtOnceAfterAnOutageAndThenAtTheInterval) {
+    const auto watch = [&](const std::string& intervalMs) {
+        return Process({LIPSYNCCTL, "timestamps", "--watch", "--interval", intervalMs, "--format",
+                        "json", "--socket", socket});
+    };
+    const Process rare = watch("3600000");
+    const Process frequent = watch("1000");
+    for (const Process* const process : {&rare, &frequent}) {
+        const nlohmann::json outage = readRecord(*process);
+        EXPECT_EQ(outage["error"]["code"], 1004);
+        EXPECT_TRUE(outage["latency_ms"].is_null());
+    }
     // Long enough for several attempts to connect.
     std::this_thread::sleep_for(std::chrono::milliseconds(1500));
     const Engine engine(socket);
-    const nlohmann::json first = readRecord(watch);
-    EXPECT_TRUE(first["error"].is_null());
-    const double pause = readRecord(watch)["time"].get<double>() - first["time"].get<double>();
-    EXPECT_NEAR(pause, 1, 0.9);
+    EXPECT_TRUE(readRecord(rare)["error"].is_null());
+    const double first = readRecord(frequent)["time"];
+    EXPECT_NEAR(readRecord(frequent)["time"].get<double>() - first, 1, 0.9);
 }
 
 TEST_F(Lipsyncctl, WatchesAnEngineThatGoesAwayComesBackAndFallsSilent) {
