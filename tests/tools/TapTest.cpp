@@ -79,7 +79,7 @@ TEST_F(Tap, PrintsALinePerExchange) {
     const Engine running = startTap({"--fault", "error 7", "--every", "3"});
     run(LIPSYNCCTL, "timestamps" + atTap);
     run(LIPSYNCCTL, "margin set 40" + atTap);
-    run(LIPSYNCCTL, "timestamps" + atTap, 1);
+    run(LIPSYNCCTL, "timestamps" + atTap, 6);
     const std::string lines = running.readUntil("fault: error 7\n");
     EXPECT_TRUE(std::regex_match(
         lines,
@@ -96,7 +96,7 @@ TEST_F(Tap, ClosesClientsWhileTheEngineIsAwayAndSaysSoOnce) {
     run(LIPSYNCCTL, "timestamps" + atTap);
     engine.reset();
     for (int i = 0; i < 3; ++i) {
-        run(LIPSYNCCTL, "timestamps" + atTap, 1);
+        run(LIPSYNCCTL, "timestamps" + atTap, 4);
     }
     engine = std::make_unique<Engine>(socket);
     run(LIPSYNCCTL, "timestamps" + atTap);

@@ -33,6 +33,8 @@ void dropLog() {
 
 } // namespace lipsyncctl
 
+#ifndef __ANDROID__
+
 // The library also sends every line to the platform's log, which writes to standard error on Linux.
 // This replacement drops these duplicates. But if the library aborts, its fatal line must be seen.
 extern "C" __attribute__((visibility("default"))) int __android_log_vprint(int priority,
@@ -46,3 +48,5 @@ extern "C" __attribute__((visibility("default"))) int __android_log_vprint(int p
     }
     return 1;
 }
+
+#endif

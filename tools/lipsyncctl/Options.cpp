@@ -104,11 +104,8 @@ void declareSendVideo(CLI::App& app, Options& options) {
 }
 
 void declareGeneralOptions(CLI::App& app, Options& options) {
-    app.set_version_flag("--version", "lipsyncctl " LIPSYNCCTL_VERSION, "Print the version");
     options.socket = Service::defaultLipsyncSocketName;
-    app.add_option("-s,--socket", options.socket,
-                   "Path of the engine's socket. Without this option, the environment variable "
-                   "LIPSYNCCTL_SOCKET is used if it is set")
+    app.add_option("-s,--socket", options.socket, "Path of the engine's socket")
         ->type_name("PATH")
         ->envname("LIPSYNCCTL_SOCKET")
         ->check(checkSocket)

@@ -1,28 +1,14 @@
-#include <fcntl.h>
-
 #include <clocale>
 #include <csignal>
 
+#include "tools/common/StandardDescriptors.h"
 #include "tools/lipsyncctl/Commands.h"
 #include "tools/lipsyncctl/Messages.h"
 #include "tools/lipsyncctl/Options.h"
 #include "tools/lipsyncctl/Output.h"
 
-namespace {
-
-// A socket must not get the number of a closed standard descriptor.
-void openStandardDescriptors() {
-    for (int fd = 0; fd <= 2; ++fd) {
-        if (fcntl(fd, F_GETFD) < 0) {
-            static_cast<void>(open("/dev/null", O_RDWR));
-        }
-    }
-}
-
-} // namespace
-
 int main(int argc, char** argv) {
-    openStandardDescriptors();
+    tools::openStandardDescriptors();
     std::setlocale(LC_CTYPE, "");
     // Writing to an engine that has gone must not kill this process.
     std::signal(SIGPIPE, SIG_IGN);
