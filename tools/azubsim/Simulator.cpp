@@ -24,7 +24,8 @@ Reply Simulator::answerFromRecording() {
     const bool hadEnded = _replay->hasEnded();
     Reply reply = _replay->next();
     if (_replay->hasEnded() && !hadEnded) {
-        _reports.screen().say("azubsim: the recording has ended; further requests close the connection");
+        _reports.screen().say(
+            "azubsim: the recording has ended; further requests close the connection");
     }
     return reply;
 }
@@ -41,8 +42,10 @@ Reply Simulator::answerAsEngine(const std::string& text, const std::optional<Fau
 }
 
 std::string Simulator::carryOut(const Request& request) {
-    if (request.command == Request::Command::SetAudioDelay) {
-        return delayAnswer(_engine.setMargin(request.delayMs));
+    switch (request.command) {
+        case Request::Command::GetAudioTs: break;
+        case Request::Command::SetAudioDelay:
+            return delayAnswer(_engine.setMargin(request.delayMs));
     }
     Timestamps timestamps;
     const Verdict verdict = _engine.timestamps(AudioEngine::Clock::now(), timestamps);
