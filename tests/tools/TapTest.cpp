@@ -84,7 +84,7 @@ TEST_F(Tap, PrintsALinePerExchange) {
     EXPECT_TRUE(std::regex_match(
         lines,
         std::regex(
-            "[0-9:.]{12}  client 1   GetAudioTs .* latency [0-9.]+ ms  jitter +[0-9]+ ms .*\n"
+            "[0-9:.]{12}  client 1   GetAudioTs .* latency +[0-9.]+ ms  jitter +[0-9]+ ms .*\n"
             "[0-9:.]{12}  client 2   SetAudioDelay 40 .* margin 40 ms .*\n"
             "[0-9:.]{12}  client 3   GetAudioTs .* 7 .*error 7.*\n")))
         << lines;
