@@ -79,7 +79,7 @@ void quit(const Controls& controls, const Value&) {
 
 const std::vector<Command>& Command::all() {
     static const std::vector<Command> commands{
-        {"call", "on|off", "start or end the call; outside it requests get error 1003",
+        {"call", "on|off", "start or end the call; outside it, answer error 1003",
          Needs::Simulation, Kind::Switch, 0, 0, "", setCall},
         {"network", "MS", "set the one-way delay of the network; at first 60", Needs::Simulation,
          Kind::WholeNumber, 0, 10000, " ms", setNetwork},
@@ -97,8 +97,8 @@ const std::vector<Command>& Command::all() {
          Needs::Answers, Kind::Fault, 0, 0, "", setFault},
         {"every", "N", "apply a fault to one answer in N", Needs::Answers, Kind::WholeNumber, 1,
          1e9, "", setEvery},
-        {"seed", "S|none", "choose at random which answers get which fault, or in turn",
-         Needs::Answers, Kind::WholeNumber, 0, UINT32_MAX, "", setSeed},
+        {"seed", "S|none", "apply faults at random, repeatably, or in turn", Needs::Answers,
+         Kind::WholeNumber, 0, UINT32_MAX, "", setSeed},
         {"verbose", "on|off", "print each message to standard error", Needs::Nothing, Kind::Switch,
          0, 0, "", setVerbose},
         {"status", "", "print these settings", Needs::Nothing, Kind::NoArgument, 0, 0, "", nullptr},
