@@ -129,26 +129,27 @@ bool Fault::parse(const std::string& text, Fault& fault, std::string& error) {
     const Words words(text);
     const std::string& name = words.first;
     const std::string& argument = words.rest;
-    for (const Description& description : descriptions()) {
-        if (name != description.name) {
-            continue;
-        }
-        const bool takesArgument = *description.argument != '\0';
-        const bool needsArgument = takesArgument && *description.argument != '[';
-        if (needsArgument && argument.empty()) {
-            error = "fault '" + name + "' needs an argument: " + description.argument;
-            return false;
-        }
-        if (!takesArgument && !argument.empty()) {
-            error = "fault '" + name + "' takes no argument, but got '" + argument + "'";
-            return false;
-        }
-        fault._kind = description.kind;
-        fault._text = text;
-        return fault.setArgument(argument, error);
+    const auto& all = descriptions();
+    const auto description =
+        std::find_if(all.begin(), all.end(),
+                     [&](const Description& candidate) { return name == candidate.name; });
+    if (description == all.end()) {
+        error = "unknown fault '" + name + "'";
+        return false;
     }
-    error = "unknown fault '" + name + "'";
-    return false;
+    const bool takesArgument = *description->argument != '\0';
+    const bool needsArgument = takesArgument && *description->argument != '[';
+    if (needsArgument && argument.empty()) {
+        error = "fault '" + name + "' needs an argument: " + description->argument;
+        return false;
+    }
+    if (!takesArgument && !argument.empty()) {
+        error = "fault '" + name + "' takes no argument, but got '" + argument + "'";
+        return false;
+    }
+    fault._kind = description->kind;
+    fault._text = text;
+    return fault.setArgument(argument, error);
 }
 
 bool Fault::setArgument(const std::string& argument, std::string& error) {
