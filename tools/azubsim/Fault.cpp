@@ -15,6 +15,8 @@ namespace {
 using Kind = Fault::Kind;
 
 constexpr int maxDelayMs = 3600000;
+constexpr int usualFloodBytes = 16777216;
+constexpr int maxFloodBytes = 268435456;
 constexpr std::chrono::microseconds noWait(0);
 
 // What the fault "missing" can leave out.
@@ -164,10 +166,11 @@ bool Fault::setArgument(const std::string& argument, std::string& error) {
         return setDelay(argument, error);
     }
     if (_kind == Kind::Flood) {
-        _number = 16777216;
-        error = "flood '" + argument + "' is not a number of bytes from 1 to 268435456";
+        _number = usualFloodBytes;
+        error = "flood '" + argument + "' is not a number of bytes from 1 to " +
+                std::to_string(maxFloodBytes);
         return argument.empty() ||
-               (parseNumber(argument, _number) && _number > 0 && _number <= 268435456);
+               (parseNumber(argument, _number) && _number > 0 && _number <= maxFloodBytes);
     }
     error = "unknown element '" + argument + "'; answers have " + elementNames;
     return _kind != Kind::Missing || isElement(argument);
