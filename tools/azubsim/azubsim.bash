@@ -23,10 +23,10 @@ _azubsim() {
             words='error version element missing number cut close-before close-middle split double
                 zero silence delay flood reset'
             ;;
-        --every | --seed | --flood-limit) words= ;;
+        --every | --seed) words= ;;
         *)
-            words='--help --version --socket --no-call --fault --every --seed --flood-limit --forward
-                --record --replay --timed --force --trace --scenario --verbose'
+            words='--help --version --socket --no-call --fault --every --seed --forward --record
+                --replay --timed --force --trace --scenario --verbose'
             ;;
     esac
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$cur")
