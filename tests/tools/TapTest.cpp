@@ -106,6 +106,16 @@ TEST_F(Tap, ClosesClientsWhileTheEngineIsAwayAndSaysSoOnce) {
         << output;
 }
 
+TEST_F(Tap, ReportsOldRequestsOfASilentEngine) {
+    const Listener silent(socket);
+    const Engine running = startTap();
+    const auto client = connect(tap);
+    for (int i = 0; i < 1001; ++i) {
+        write(*client, tests::frame("<GetAudioTs_Request />"));
+    }
+    EXPECT_PRED_FORMAT2(IsSubstring, "GetAudioTs", running.readUntil("no answer"));
+}
+
 TEST_F(Tap, ServesManyClientsAtOnce) {
     const Engine engine(socket);
     const Engine running = startTap();

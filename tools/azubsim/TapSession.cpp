@@ -2,12 +2,17 @@
 
 #include <utility>
 
+
 namespace azubsim {
 
 namespace {
 
 // Nothing more is read from one side while the other has not taken this many bytes.
 constexpr std::size_t maxUnsent = 262144;
+
+// Requests that are kept for their answers. More are reported as unanswered, so that a client does
+// not fill the memory while the engine is silent.
+constexpr std::size_t maxPending = 1000;
 
 // How soon to try again if the engine's queue of connections is full.
 constexpr std::chrono::milliseconds retryPause{10};
@@ -88,6 +93,10 @@ void TapSession::addRequest(const std::string& text) {
     }
     const bool resets = pending.fault && pending.fault->resets();
     _pending.push_back(std::move(pending));
+    if (_pending.size() > maxPending) {
+        _tap._reports.add(_pending.front().exchange);
+        _pending.pop_front();
+    }
     if (resets) {
         _pending.back().exchange.reply.end = Reply::End::Reset;
         close();
