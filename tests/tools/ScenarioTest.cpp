@@ -124,6 +124,16 @@ TEST_F(Scenario, MistakesAreNamedWithTheirLine) {
                   "azubsim: " + file + "/x: Not a directory\n");
 }
 
+TEST_F(Scenario, AnEngineThatGoesAwayAgainAtTheMomentOfItsReturnComesBackOnce) {
+    const std::string file = directory.path() + "/again.scenario";
+    std::ofstream(file) << "0 down 0\n0 down 0\n0 down 0\n";
+    const tests::Engine engine(socket, {"--scenario", file});
+    engine.readUntil("end\n");
+    engine.write("down 0\n");
+    engine.readUntil("down 0 s\nazubsim: listening at " + socket + " again\n");
+    run(LIPSYNCCTL, "timestamps" + at);
+}
+
 TEST_F(Scenario, ThePicturesOfTheExampleGoOnInAllShippedOnes) {
     struct Run {
         std::string firstTrouble;

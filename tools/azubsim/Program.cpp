@@ -113,17 +113,20 @@ bool Program::fail(const std::string& what, const std::string& why) {
 }
 
 void Program::goDown(std::chrono::milliseconds time) {
+    _isAway = true;
     _server.close();
     _engine.resetMargin();
     _downTimer.expires_after(time);
     _downTimer.async_wait([this](const asio::error_code& cancelled) {
-        if (!cancelled) {
+        // If a wait has ended, a later "down" does not cancel it any more.
+        if (!cancelled && _isAway && _downTimer.expiry() <= asio::steady_timer::clock_type::now()) {
             comeBack();
         }
     });
 }
 
 void Program::comeBack() {
+    _isAway = false;
     std::string error;
     if (_server.listen(error)) {
         _screen.say("azubsim: listening at " + _options.socket + " again");

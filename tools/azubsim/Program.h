@@ -51,6 +51,7 @@ private:
     asio::steady_timer _downTimer;
     Commands _commands;
     Scenario _scenario;
+    bool _isAway = false; ///< After "down", until it listens again.
     bool _hasFailed = false;
 };
 
