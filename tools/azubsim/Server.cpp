@@ -44,7 +44,8 @@ void Server::accept() {
 }
 
 void Server::accepted(const asio::error_code& error, Connection::Socket socket) {
-    if (error == asio::error::operation_aborted) {
+    // The socket of a client that was accepted just before `close` is closed here.
+    if (!_file.acceptor().is_open() || error == asio::error::operation_aborted) {
         return;
     }
     if (error) {
