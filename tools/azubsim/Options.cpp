@@ -49,6 +49,15 @@ void declareFiles(CLI::App& app, Options& options) {
     app.add_flag("--force", options.overwrites, "Let --record and --trace overwrite a file");
 }
 
+// An empty path is a variable that is not set. It must not turn a tap into a simulation.
+void refuseEmptyPaths(CLI::App& app) {
+    for (const char* const name : {"--scenario", "--record", "--trace", "--forward", "--replay"}) {
+        app.get_option(name)->check([](const std::string& path) {
+            return std::string(path.empty() ? "the path is empty" : "");
+        });
+    }
+}
+
 // What would be ignored is refused.
 void declareSources(CLI::App& app, Options& options) {
     CLI::Option* const noCall = app.add_flag(
@@ -89,6 +98,7 @@ void declareOptions(CLI::App& app, Options& options) {
     declareFaults(app, options);
     declareFiles(app, options);
     declareSources(app, options);
+    refuseEmptyPaths(app);
     app.add_flag("--verbose", options.isVerbose, "Print each message to standard error");
     app.footer(
         "Faults:\n" + faultTable() +
