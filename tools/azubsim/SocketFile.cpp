@@ -1,5 +1,6 @@
 #include "tools/azubsim/SocketFile.h"
 
+#include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -23,9 +24,9 @@ bool clearTheWay(asio::io_context& io, const std::string& path, const Protocol::
         error = "it exists and is not a socket";
         return false;
     }
-    asio::error_code reason;
-    Protocol::socket(io).connect(address, reason);
-    if (!reason) {
+    Protocol::socket socket(io);
+    const asio::error_code reason = connectAtOnce(socket, address);
+    if (!reason || reason == asio::error::try_again) {
         error = "an engine is already listening there";
         return false;
     }
@@ -50,6 +51,19 @@ bool toAddress(const std::string& path, Protocol::endpoint& address, std::string
     }
     address.path(path);
     return true;
+}
+
+asio::error_code connectAtOnce(Protocol::socket& socket, const Protocol::endpoint& address) {
+    asio::error_code error;
+    socket.open(address.protocol(), error);
+    if (!error) {
+        socket.non_blocking(true, error);
+    }
+    if (!error && ::connect(socket.native_handle(), address.data(),
+                            static_cast<socklen_t>(address.size())) != 0) {
+        error.assign(errno, asio::system_category());
+    }
+    return error;
 }
 
 bool SocketFile::listen(const std::string& path, std::string& error) {

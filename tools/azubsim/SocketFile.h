@@ -37,4 +37,9 @@ private:
 bool toAddress(const std::string& path, asio::local::stream_protocol::endpoint& address,
                std::string& error);
 
+/// Connects a socket without blocking. Asio would take a full queue of an engine that does not
+/// accept (EAGAIN) for a connection.
+asio::error_code connectAtOnce(asio::local::stream_protocol::socket& socket,
+                               const asio::local::stream_protocol::endpoint& address);
+
 } // namespace azubsim

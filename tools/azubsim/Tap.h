@@ -26,9 +26,6 @@ public:
 private:
     friend class TapSession;
 
-    /// Connects a socket without blocking.
-    asio::error_code connect(Connection::Socket& socket);
-
     /// Tells the user if the outcome of connecting is not that of the last time.
     void tellChange(const asio::error_code& error);
 

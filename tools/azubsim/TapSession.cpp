@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "tools/azubsim/SocketFile.h"
 
 namespace azubsim {
 
@@ -32,7 +33,7 @@ TapSession::TapSession(Connection::Socket socket, int client, Tap& tap)
 
 void TapSession::start() {
     Connection::Socket socket(_tap._io);
-    const asio::error_code error = _tap.connect(socket);
+    const asio::error_code error = connectAtOnce(socket, _tap._address);
     if (error == asio::error::try_again) {
         _retry.expires_after(retryPause);
         _retry.async_wait([self = shared_from_this()](const asio::error_code& cancelled) {
