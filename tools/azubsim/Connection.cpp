@@ -160,7 +160,7 @@ void Connection::written(const asio::error_code& error, std::size_t size) {
     _isWriting = false;
     const auto handlers = _handlers;
     if (error) {
-        handlers->ended(true);
+        dropUnsent();
         return;
     }
     _written += size;
@@ -173,6 +173,21 @@ void Connection::written(const asio::error_code& error, std::size_t size) {
         handlers->drained();
     }
     write();
+}
+
+// The far end takes no more bytes, but what it has sent may not be read yet. Reading finds the end.
+void Connection::dropUnsent() {
+    const auto handlers = _handlers;
+    _pieces.clear();
+    _written = 0;
+    _unsent = 0;
+    _endsSending = true;
+    if (_isClosing) {
+        handlers->ended(true);
+        return;
+    }
+    handlers->drained();
+    read();
 }
 
 void Connection::finishSending() {

@@ -23,7 +23,7 @@ public:
         /// The far end sends no more. If it is gone, it does not read any more either. Can be
         /// called twice, the second time because it has gone.
         std::function<void(bool isGone)> ended;
-        std::function<void()> drained; ///< Everything was written.
+        std::function<void()> drained; ///< Everything was written, or cannot be written any more.
     };
 
     explicit Connection(Socket socket);
@@ -61,6 +61,7 @@ private:
     void write();
     void writeFirstPiece();
     void written(const asio::error_code& error, std::size_t size);
+    void dropUnsent();
     void finishSending();
 
     Socket _socket;
