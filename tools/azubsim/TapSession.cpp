@@ -124,6 +124,10 @@ void TapSession::answered(std::string_view bytes) {
         const bool isComplete = _answers.add(bytes);
         addAnswer(unread.substr(0, unread.size() - bytes.size()), isComplete);
     }
+    if (!_client->isOpen()) {
+        // A fault has closed the connection.
+        reportRest();
+    }
     if (_client->unsent() > maxUnsent) {
         _engine->pause();
     }
