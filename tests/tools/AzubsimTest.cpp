@@ -64,11 +64,18 @@ TEST_F(Azubsim, RefusesBadOptions) {
     std::ofstream(file) << "{}\n";
     const std::string cannot = "azubsim: cannot listen at ";
     const std::string longPath(200, 'x');
-    expectFailure(AZUBSIM, "", 2, "--socket is required");
-    expectFailure(AZUBSIM, "--nonsense" + at, 2, "The following argument");
-    expectFailure(AZUBSIM, "--fault nonsense" + at, 2, "--fault: unknown fault 'nonsense'");
+    expectFailure(AZUBSIM, "", 2, "azubsim: --socket is required");
+    expectFailure(AZUBSIM, "--nonsense" + at, 2, "azubsim: The following argument");
+    expectFailure(AZUBSIM, "--fault nonsense" + at, 2,
+                  "azubsim: --fault: unknown fault 'nonsense'");
     expectFailure(AZUBSIM, "--fault delay" + at, 2,
-                  "--fault: fault 'delay' needs an argument: MS [SPREAD]\n");
+                  "azubsim: --fault: fault 'delay' needs an argument: MS [SPREAD] (see");
+    // What would be ignored is refused.
+    for (const char* const ignored :
+         {"--every 2", "--timed", "--force", "--replay x --fault cut", "--replay x --no-call",
+          "--forward x --no-call", "--forward x --replay y"}) {
+        expectFailure(AZUBSIM, ignored + at, 2, "azubsim: --");
+    }
     expectFailure(AZUBSIM, "--socket " + longPath, 1,
                   cannot + longPath + ": a socket path must have 1 to 107 bytes\n");
     expectFailure(AZUBSIM, "--socket " + file + "/x", 1, cannot + file + "/x: Not a directory\n");

@@ -8,7 +8,6 @@
 
 #include "tools/azubsim/Foreground.h"
 #include "tools/azubsim/Words.h"
-#include "tools/common/Printable.h"
 
 namespace azubsim {
 
@@ -173,7 +172,7 @@ void Console::execute(const std::string& line) {
     if (_commands.parse(line, action, error)) {
         _screen.say(action());
     } else {
-        _screen.say(tools::printable(error) + " (try help)");
+        _screen.say(error + " (try help)");
     }
 }
 

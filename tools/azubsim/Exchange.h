@@ -11,9 +11,10 @@ namespace azubsim {
 struct Exchange {
     int client = 0;
     std::chrono::system_clock::time_point time; ///< When the request was complete.
-    std::string request; ///< Without its end marker. Empty for bytes that nobody asked for.
-    Reply reply;         ///< What the client got, with the end markers, and when.
-    std::string fault;   ///< The text of the fault applied to it, or empty.
+    std::string request;    ///< Without its end marker. Empty for bytes that nobody asked for.
+    bool isComplete = true; ///< The request had its end marker.
+    Reply reply;            ///< What the client got, with the end markers, and when.
+    std::string fault;      ///< The text of the fault applied to it, or empty.
 
     /// From the request to the engine's complete answer, without the fault's delay. Zero if
     /// unknown.

@@ -100,20 +100,19 @@ void declareOptions(CLI::App& app, Options& options) {
     declareSources(app, options);
     refuseEmptyPaths(app);
     app.add_flag("--verbose", options.isVerbose, "Print each message to standard error");
-    app.footer(
-        "Faults:\n" + faultTable() +
-        "\nBy default a flood has 16 MiB, which a client of the library reads in about 3 s.\n"
-        "\nCommands on standard input:\n" +
-        Commands::table() +
-        "\nExit status:\n"
-        "  0  after a termination signal or \"quit\"\n"
-        "  1  the socket or a file cannot be used\n"
-        "  2  wrong usage\n"
-        "\nExamples:\n"
-        "  azubsim --socket /tmp/engine\n"
-        "  azubsim --socket /tmp/engine --fault 'error 1002 no such margin'\n"
-        "  azubsim --socket /tmp/engine --fault cut --fault reset --every 10\n"
-        "  azubsim --socket /tmp/tap --forward /dev/socket/azub_lipsync\n");
+    app.footer("Faults:\n" + faultTable() +
+               "\nBy default a flood has 16 MiB, which costs a client of the library about 3 s.\n"
+               "\nCommands on standard input:\n" +
+               Commands::table() +
+               "\nExit status:\n"
+               "  0  after a termination signal or \"quit\"\n"
+               "  1  the socket or a file cannot be used\n"
+               "  2  wrong usage\n"
+               "\nExamples:\n"
+               "  azubsim --socket /tmp/engine\n"
+               "  azubsim --socket /tmp/engine --fault 'error 1002 no such margin'\n"
+               "  azubsim --socket /tmp/engine --fault cut --fault reset --every 10\n"
+               "  azubsim --socket /tmp/tap --forward /dev/socket/azub_lipsync\n");
 }
 
 void check(Options& options) {
@@ -125,6 +124,9 @@ void check(Options& options) {
     }
     if (options.overwrites && options.recordFile.empty() && options.traceFile.empty()) {
         throw CLI::RequiresError("--force", "--record or --trace");
+    }
+    if (!options.recordFile.empty() && options.recordFile == options.traceFile) {
+        throw CLI::ValidationError("--trace", "the file is the one of --record");
     }
     for (const std::string& text : options.faultTexts) {
         std::string error;

@@ -94,6 +94,7 @@ bool Recorder::add(const Exchange& exchange) {
     object["utc"] = iso8601(exchange.time);
     object["client"] = exchange.client;
     object["request"] = toCharacters(exchange.request);
+    object["complete"] = exchange.isComplete;
     object["answer"] = pieces(exchange.reply);
     object["end"] = endName(exchange.reply.end);
     object["fault"] = toCharacters(exchange.fault);

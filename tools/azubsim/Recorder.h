@@ -17,12 +17,13 @@ namespace azubsim {
 /// Every other line is an exchange:
 ///
 ///     {"time":1714564800.25,"utc":"2024-05-01T12:00:00.250000Z","client":1,"request":"...",
-///      "answer":[{"after_ms":0.11,"bytes":"..."}],"end":"open","fault":"","engine_ms":0.1}
+///      "complete":true,"answer":[{"after_ms":0.11,"bytes":"..."}],"end":"open","fault":"","engine_ms":0.1}
 ///
-/// `time` is in seconds since 1970. `after_ms` is the wait before the bytes, from the request or
-/// from the bytes before. `end` is "open", "close" or "reset", which is what then happens to the
-/// connection. Messages need not be UTF-8, so each byte of `request`, `bytes` and `fault` is
-/// written as the character with the same number, U+0000 to U+00FF. ASCII stays readable.
+/// `time` is in seconds since 1970. A request is not complete if its client left in the middle of
+/// it. `after_ms` is the wait before the bytes, from the request or from the bytes before. `end` is
+/// "open", "close" or "reset", which is what then happens to the connection. Messages need not be
+/// UTF-8, so each byte of `request`, `bytes` and `fault` is written as the character with the same
+/// number, U+0000 to U+00FF. ASCII stays readable.
 class Recorder {
 public:
     static constexpr const char* format = "azubsim recording";

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
@@ -70,7 +71,12 @@ Reply::End end(const json& object) {
 
 Exchange parseExchange(const std::string& line) {
     const json object = json::parse(line, nullptr, false);
+    if (!object.is_object()) {
+        throw BadFile("not a JSON object");
+    }
     Exchange exchange;
+    exchange.client = member(object, "client", &json::is_number_integer);
+    exchange.isComplete = member(object, "complete", &json::is_boolean);
     exchange.request = toBytes(member(object, "request", &json::is_string));
     for (const json& piece : member(object, "answer", &json::is_array)) {
         exchange.reply.pieces.push_back(
@@ -96,17 +102,30 @@ void checkHeader(const std::string& line) {
     }
 }
 
-// Bytes that nobody asked for belong to the answer before them.
-void add(Exchange exchange, std::vector<Reply>& replies) {
-    Reply& reply = exchange.reply;
-    if (replies.empty() || !exchange.isUnasked()) {
-        replies.push_back(std::move(reply));
-        return;
+// The answers of a recording, in order.
+class Answers {
+public:
+    void add(Exchange exchange) {
+        const auto last = _last.find(exchange.client);
+        if (exchange.isUnasked() && last != _last.end()) {
+            append(_replies[last->second], exchange.reply);
+        } else if (exchange.isComplete) {
+            _last[exchange.client] = _replies.size();
+            _replies.push_back(std::move(exchange.reply));
+        }
     }
-    std::vector<Reply::Piece>& pieces = replies.back().pieces;
-    pieces.insert(pieces.end(), reply.pieces.begin(), reply.pieces.end());
-    replies.back().end = reply.end;
-}
+
+    std::vector<Reply>& replies() { return _replies; }
+
+private:
+    static void append(Reply& reply, const Reply& more) {
+        reply.pieces.insert(reply.pieces.end(), more.pieces.begin(), more.pieces.end());
+        reply.end = more.end;
+    }
+
+    std::vector<Reply> _replies;
+    std::map<int, std::size_t> _last; // The index in `_replies` for each client.
+};
 
 void join(Reply& reply) {
     if (!reply.pieces.empty()) {
@@ -119,10 +138,10 @@ std::vector<Reply> read(std::istream& file, std::string& note) {
     std::string line;
     std::getline(file, line);
     checkHeader(line);
-    std::vector<Reply> replies;
+    Answers answers;
     for (std::size_t number = 2; std::getline(file, line); ++number) {
         try {
-            add(parseExchange(line), replies);
+            answers.add(parseExchange(line));
         } catch (const BadFile& e) {
             const std::string name = "line " + std::to_string(number);
             if (!file.eof()) {
@@ -131,10 +150,10 @@ std::vector<Reply> read(std::istream& file, std::string& note) {
             note = name + " is unfinished and is left out";
         }
     }
-    if (replies.empty()) {
+    if (answers.replies().empty()) {
         throw BadFile("it contains no exchanges");
     }
-    return replies;
+    return std::move(answers.replies());
 }
 
 } // namespace

@@ -10,7 +10,7 @@ namespace azubsim {
 
 /// Gives the answers of a file that `Recorder` wrote, in order, whoever asks for what.
 ///
-/// Bytes that were sent without a request are sent with the answer before them.
+/// Bytes that a client got without a request are sent with its answer before them.
 class Replay {
 public:
     /// Reads and checks the whole file. Returns false, with the reason in `error`, if it is not a

@@ -15,7 +15,7 @@ constexpr std::size_t shownBytes = 2000;
 
 void Reports::add(const Exchange& exchange) {
     if (printsLines) {
-        _screen.say(exchangeLine(exchange));
+        _screen.sayIfRead(exchangeLine(exchange));
     }
     if (isVerbose) {
         show(exchange.client, '<', exchange.request);

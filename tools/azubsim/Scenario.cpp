@@ -1,8 +1,6 @@
 #include "tools/azubsim/Scenario.h"
 
 #include <algorithm>
-#include <asio/io_context.hpp>
-#include <asio/steady_timer.hpp>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -18,14 +16,6 @@ namespace {
 constexpr double longestSeconds = 86400;
 
 } // namespace
-
-struct Scenario::Timer {
-    asio::steady_timer timer;
-    asio::steady_timer::time_point start;
-};
-
-Scenario::Scenario() = default;
-Scenario::~Scenario() = default;
 
 bool Scenario::open(const std::string& file, const Commands& commands, std::string& error) {
     _name = file.substr(file.rfind('/') + 1);
@@ -77,8 +67,8 @@ bool Scenario::add(const std::string& line, const Commands& commands, std::strin
 }
 
 void Scenario::start(asio::io_context& io, Screen& screen) {
-    const auto now = asio::steady_timer::clock_type::now();
-    _timer = std::make_unique<Timer>(Timer{asio::steady_timer(io), now});
+    _timer.emplace(io);
+    _start = asio::steady_timer::clock_type::now();
     waitForStep(screen);
 }
 
@@ -88,9 +78,8 @@ void Scenario::waitForStep(Screen& screen) {
         return;
     }
     const std::chrono::duration<double> time(_steps[_done].seconds);
-    _timer->timer.expires_at(_timer->start +
-                             std::chrono::duration_cast<asio::steady_timer::duration>(time));
-    _timer->timer.async_wait([this, &screen](const asio::error_code& error) {
+    _timer->expires_at(_start + std::chrono::duration_cast<asio::steady_timer::duration>(time));
+    _timer->async_wait([this, &screen](const asio::error_code& error) {
         if (error) {
             return;
         }

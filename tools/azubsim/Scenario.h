@@ -1,15 +1,12 @@
 #pragma once
 
-#include <chrono>
-#include <memory>
+#include <asio/io_context.hpp>
+#include <asio/steady_timer.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "tools/azubsim/Commands.h"
-
-namespace asio {
-class io_context;
-}
 
 namespace azubsim {
 
@@ -19,12 +16,6 @@ class Screen;
 /// that start with "#" are left out.
 class Scenario {
 public:
-    Scenario();
-    ~Scenario();
-
-    Scenario(const Scenario&) = delete;
-    Scenario& operator=(const Scenario&) = delete;
-
     /// Checks the whole file. Returns false, with the reason in `error`, for example as "FILE:LINE:
     /// reason". `commands` must outlive this object.
     bool open(const std::string& file, const Commands& commands, std::string& error);
@@ -41,7 +32,6 @@ private:
         std::string text;
         Commands::Action action;
     };
-    struct Timer;
 
     bool add(const std::string& line, const Commands& commands, std::string& error);
     void waitForStep(Screen& screen);
@@ -49,7 +39,8 @@ private:
     std::string _name; ///< Of the file, without its folder.
     std::vector<Step> _steps;
     std::size_t _done = 0;
-    std::unique_ptr<Timer> _timer;
+    std::optional<asio::steady_timer> _timer;
+    asio::steady_timer::time_point _start;
 };
 
 } // namespace azubsim

@@ -60,14 +60,14 @@ void TapSession::passBytes(Connection::Socket toEngine) {
     client.drained = [self] { self->_engine->resume(); };
     Connection::Handlers engine;
     engine.received = [self](std::string_view bytes) { self->answered(bytes); };
-    engine.ended = [self](bool) { self->engineEnded(); };
+    engine.ended = [self](bool isGone) { self->engineEnded(isGone); };
     engine.drained = [self] { self->_client->resume(); };
     _client->start(std::move(client));
     _engine->start(std::move(engine));
 }
 
 void TapSession::close() {
-    reportRest();
+    reportRest(Reply::End::Close);
     _retry.cancel();
     _client->close();
     if (_engine) {
@@ -126,7 +126,7 @@ void TapSession::answered(std::string_view bytes) {
     }
     if (!_client->isOpen()) {
         // A fault has closed the connection.
-        reportRest();
+        reportRest(Reply::End::Close);
     }
     if (_client->unsent() > maxUnsent) {
         _engine->pause();
@@ -177,29 +177,35 @@ void TapSession::clientEnded(bool isGone) {
         _engine->endSending();
         return;
     }
-    reportRest();
+    reportRest(Reply::End::Open);
     _client->close();
     _engine->closeWhenSent();
 }
 
-void TapSession::engineEnded() {
+void TapSession::engineEnded(bool isGone) {
     if (!_pending.empty() && _pending.front().fault && !_answers.message().empty()) {
         // There is no complete answer to spoil.
-        pass(_pending.front(), _answers.message());
+        pass(_pending.front(), _answers.take());
     }
-    reportRest();
+    if (!isGone) {
+        // It may still read requests.
+        _client->endSending();
+        return;
+    }
+    reportRest(Reply::End::Close);
     _client->closeWhenSent();
     _engine->close();
 }
 
-// Reports what the end of the connection has interrupted.
-void TapSession::reportRest() {
+// Reports what the end of the connection has interrupted. `end` is what the client saw of it.
+void TapSession::reportRest(Reply::End end) {
     if (!_requests.message().empty()) {
         _pending.push_back(newPending(_requests.take()));
+        _pending.back().exchange.isComplete = false;
     }
     for (Pending& pending : std::exchange(_pending, {})) {
         if (pending.exchange.reply.end == Reply::End::Open) {
-            pending.exchange.reply.end = Reply::End::Close;
+            pending.exchange.reply.end = end;
         }
         _tap._reports.add(pending.exchange);
     }

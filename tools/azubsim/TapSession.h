@@ -41,9 +41,9 @@ private:
     void pass(Pending& pending, std::string_view bytes);
     void spoil(Pending& pending);
     void clientEnded(bool isGone);
-    void engineEnded();
+    void engineEnded(bool isGone);
     Pending newPending(const std::string& request) const;
-    void reportRest();
+    void reportRest(Reply::End end);
 
     Tap& _tap;
     int _clientNumber;

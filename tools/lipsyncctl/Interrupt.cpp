@@ -19,10 +19,8 @@ void note(int) {
 
 void catchInterrupts() {
     // No SA_RESTART: a signal interrupts blocking calls, for example a write to a full pipe.
-    // SA_RESETHAND: a second signal ends the process at once.
     struct sigaction action {};
     action.sa_handler = note;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }

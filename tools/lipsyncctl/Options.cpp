@@ -8,7 +8,6 @@
 #include "lipsyncapi/Service.h"
 #include "tools/common/CommandLine.h"
 #include "tools/common/HelpFormatter.h"
-#include "tools/common/Printable.h"
 #include "tools/lipsyncctl/Decimal.h"
 
 namespace lipsyncctl {
@@ -145,11 +144,6 @@ constexpr const char* notes =
     "  lipsyncctl timestamps --watch --interval 100 --format csv > run.csv\n"
     "  lipsyncctl ping --count 1000 --format json\n";
 
-std::string usageError(const CLI::App*, const CLI::Error& error) {
-    return std::string("lipsyncctl: ") + tools::printable(error.what()) +
-           " (see lipsyncctl --help)\n";
-}
-
 void requireCommand(const CLI::App& app, const Options& options) {
     if (!options.command) {
         throw CLI::RequiredError(app.got_subcommand("margin")
@@ -164,7 +158,6 @@ void requireCommand(const CLI::App& app, const Options& options) {
 void declareOptions(CLI::App& app, Options& options) {
     app.name("lipsyncctl");
     app.formatter(std::make_shared<tools::HelpFormatter>());
-    app.failure_message(usageError);
     app.description("Talks to the audio engine's lip-sync socket from the command line.");
     declareGeneralOptions(app, options);
     declareCommand(app, options, "capabilities", Command::Capabilities,
