@@ -14,7 +14,7 @@ constexpr int exitUsage = 2;
 
 // One line, also if the command line contains control characters.
 std::string usageError(const CLI::App* app, const CLI::Error& error) {
-    const std::string name = app->get_name();
+    const std::string& name = app->get_name();
     return name + ": " + printable(error.what()) + " (see " + name + " --help)\n";
 }
 

@@ -2,12 +2,6 @@
 
 # The headings of the help become sections, except those of the options of one command.
 /Options of/! s/^\.SS "(.*):"$/.SH "\U\1"/
-# So does the sentence about the exit status.
-/^\.PP$/ {
-    N
-    s/^\.PP\nExit status: (.)/.SH "EXIT STATUS"\n\U\1/
-}
-
 # Examples keep their lines, and can be pasted into a shell.
 /^\.SH EXAMPLES$/,/^\.SH "?[^E]/ {
     s/^\.IP$/.nf/
