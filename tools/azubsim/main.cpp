@@ -1,5 +1,7 @@
+#include <sys/signalfd.h>
+
 #include <asio/io_context.hpp>
-#include <asio/signal_set.hpp>
+#include <asio/posix/stream_descriptor.hpp>
 #include <clocale>
 #include <csignal>
 #include <cstdlib>
@@ -7,6 +9,24 @@
 #include "tools/azubsim/Options.h"
 #include "tools/azubsim/Program.h"
 #include "tools/common/StandardDescriptors.h"
+
+namespace {
+
+using asio::posix::stream_descriptor;
+
+// Returns a descriptor that can be read when a signal asks the program to end. Unlike a handler, it
+// cannot be held back by ThreadSanitizer.
+int openEndSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+        sigaddset(&signals, signal);
+    }
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    return signalfd(-1, &signals, SFD_CLOEXEC);
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     tools::openStandardDescriptors();
@@ -19,8 +39,8 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     asio::io_context io;
     azubsim::Program program(io, options);
-    asio::signal_set endSignals(io, SIGINT, SIGTERM, SIGHUP);
-    endSignals.add(SIGQUIT);
-    endSignals.async_wait([&](const asio::error_code&, int) { program.stop(); });
+    stream_descriptor endSignals(io, openEndSignals());
+    endSignals.async_wait(stream_descriptor::wait_read,
+                          [&](const asio::error_code&) { program.stop(); });
     return program.run() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
