@@ -9,6 +9,8 @@
 #include <iterator>
 #include <string>
 
+#include "tests/support/Files.h"
+
 using Fuzzer = int(const std::uint8_t* data, std::size_t size);
 
 extern "C" {
@@ -22,9 +24,10 @@ Fuzzer fuzzThroughputLimit;
 namespace {
 
 // A failed check aborts the process, so each path is printed before its check.
-void run(Fuzzer& fuzzer, const std::string& corpus) {
+void run(Fuzzer& fuzzer, const std::string& name) {
+    const std::string corpus = tests::sourceFile("fuzz/corpus/" + name);
     int inputs = 0;
-    for (const auto& file : std::filesystem::directory_iterator(CORPUS "/" + corpus)) {
+    for (const auto& file : std::filesystem::directory_iterator(corpus)) {
         std::puts(file.path().c_str());
         std::ifstream stream(file.path(), std::ios::binary);
         const std::string input(std::istreambuf_iterator<char>(stream), {});

@@ -6,6 +6,7 @@
 #include "examples/video_pipeline/LatestReading.h"
 #include "examples/video_pipeline/Steering.h"
 #include "examples/video_pipeline/Watchdog.h"
+#include "tests/support/Listener.h"
 #include "tests/tools/Engine.h"
 
 using VideoPipeline = tests::EngineTest;
@@ -66,7 +67,8 @@ TEST_F(VideoPipeline, CancelsOnlyExchangesThatTakeTooLong) {
 }
 
 TEST_F(VideoPipeline, ShowsPicturesWhateverTheEngineDoes) {
-    tests::Process pipeline({VIDEO_PIPELINE, "--socket", socket, "--seconds", "8"});
+    SKIP_WITHOUT_SOCKET_FILES();
+    tests::Process pipeline({"examples/video_pipeline", "--socket", socket, "--seconds", "8"});
     pipeline.readUntil("Waiting for the engine: Cannot connect to Audio ZUB");
     auto engine = std::make_unique<tests::Engine>(socket);
     pipeline.readUntil("Connected to " + socket);

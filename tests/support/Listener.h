@@ -2,7 +2,14 @@
 
 #include <string>
 
+// Skips the test where programs may not create socket files, for example in a shell on a device.
+#define SKIP_WITHOUT_SOCKET_FILES()     \
+    if (!tests::canCreateSocketFiles()) \
+    GTEST_SKIP() << "no socket file can be created"
+
 namespace tests {
+
+bool canCreateSocketFiles();
 
 /// A listening Unix-domain socket. The destructor closes it, but leaves its file as a stale socket.
 class Listener {

@@ -9,13 +9,16 @@
 #include <cstdlib>
 #include <utility>
 
+#include "tests/support/Files.h"
+
 namespace tests {
 
 Process::Process(std::vector<std::string> arguments, Output output) {
+    arguments[0] = builtFile(arguments[0]);
     std::vector<char*> argv(arguments.size() + 1);
     std::transform(arguments.begin(), arguments.end(), argv.begin(),
                    [](std::string& argument) { return argument.data(); });
-    if (output == ToTerminal) {
+    if (output == ToTerminal || output == ToDumbTerminal) {
         const winsize size{24, 80, 0, 0};
         _pid = forkpty(&_output, nullptr, nullptr, &size);
         _input = dup(_output);
@@ -23,7 +26,7 @@ Process::Process(std::vector<std::string> arguments, Output output) {
         forkOnPipes(output);
     }
     if (_pid == 0) {
-        setenv("TERM", "xterm", 1);
+        setenv("TERM", output == ToDumbTerminal ? "dumb" : "xterm", 1);
         execv(argv[0], argv.data());
         _exit(127);
     }
@@ -62,6 +65,10 @@ std::string Process::readUntil(const std::string& text) const {
         output += byte;
     }
     return output;
+}
+
+void Process::stopReading() {
+    close(std::exchange(_output, -1));
 }
 
 int Process::wait() {

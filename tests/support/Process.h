@@ -10,11 +10,11 @@ namespace tests {
 /// A program that runs beside the test. The destructor kills it unless `wait` was called.
 class Process {
 public:
-    /// Where its standard output goes: to the test, to a terminal that the test reads, or to a full
-    /// disk.
-    enum Output { ToTest, ToTerminal, ToFullDisk };
+    /// Where its standard output goes: to the test, to a terminal that the test reads, to one that
+    /// cannot move its cursor, or to a full disk.
+    enum Output { ToTest, ToTerminal, ToDumbTerminal, ToFullDisk };
 
-    /// The first argument is the path of the program.
+    /// The first argument is the program, a path in the build folder.
     explicit Process(std::vector<std::string> arguments, Output output = ToTest);
     ~Process();
 
@@ -30,6 +30,9 @@ public:
 
     /// Reads to the end of the stream or to a zero byte.
     std::string readAll() const { return readUntil(std::string(1, '\0')); }
+
+    /// Closes the test's end of its output, as a reader does that has gone.
+    void stopReading();
 
     /// Writes to its standard input.
     void write(const std::string& text) const { dprintf(_input, "%s", text.c_str()); }

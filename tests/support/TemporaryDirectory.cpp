@@ -6,8 +6,9 @@
 namespace tests {
 
 TemporaryDirectory::TemporaryDirectory() {
-    const char* const parent = std::getenv("TMPDIR");
-    _path = std::string(parent != nullptr ? parent : "/tmp") + "/zublipsyncXXXXXX";
+    std::error_code none;
+    const std::filesystem::path parent = std::filesystem::temp_directory_path(none);
+    _path = (none ? "." : parent.string()) + "/zublipsyncXXXXXX";
     if (mkdtemp(_path.data()) == nullptr) {
         std::abort();
     }

@@ -4,7 +4,8 @@
 
 namespace tests {
 
-/// A directory for one test, in `TMPDIR` or "/tmp". The destructor removes it with its contents.
+/// A directory for one test in `TMPDIR`, by default "/tmp", or in the working folder if that is
+/// missing. The destructor removes it with its contents.
 class TemporaryDirectory {
 public:
     TemporaryDirectory();

@@ -45,6 +45,7 @@ void useService(const std::string& number) {
 } // namespace
 
 TEST(Threads, MayEachUseAServiceIfOneLockProtectsExchanges) {
+    SKIP_WITHOUT_SOCKET_FILES();
     const std::string log = tests::logOf([] {
         std::vector<std::thread> threads;
         threads.reserve(threadCount);

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "comms/Client.h"
+#include "tests/support/Files.h"
 #include "tests/tools/Engine.h"
 
 using testing::IsSubstring;
@@ -99,7 +100,7 @@ TEST_F(Azubsim, HangsUpOnABadRequest) {
 }
 
 TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
-    std::ifstream document(DOCS "/faults.md");
+    std::ifstream document(tests::sourceFile("docs/faults.md"));
     const std::regex row("\\| `([^`]+)` \\| `([^`]+)` \\|.*");
     std::smatch cells;
     std::set<std::string> documented;

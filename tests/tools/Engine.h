@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/Listener.h"
 #include "tests/support/Process.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -25,6 +26,8 @@ public:
 /// A test that runs programs and has a socket path for an engine.
 class EngineTest : public testing::Test {
 protected:
+    void SetUp() override { SKIP_WITHOUT_SOCKET_FILES(); }
+
     /// Runs a program with arguments separated by spaces and expects this exit status. Returns its
     /// output without the library's log lines.
     static std::string run(const std::string& program, const std::string& arguments, int status = 0,

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <memory>
 
+#include "tests/support/Files.h"
 #include "tests/tools/Engine.h"
 #include "tools/azubsim/AudioEngine.h"
 
@@ -143,8 +144,10 @@ TEST_F(Scenario, ThePicturesOfTheExampleGoOnInAllShippedOnes) {
     std::vector<Run> runs;
     const auto play = [&](const std::string& name, const std::string& firstTrouble) {
         const std::string path = directory.path() + '/' + name;
-        const std::vector<std::string> options{"--scenario", SCENARIOS "/" + name + ".scenario"};
-        const std::vector<std::string> command{VIDEO_PIPELINE, "--socket", path, "--seconds", "10"};
+        const std::vector<std::string> options{
+            "--scenario", tests::sourceFile("tools/azubsim/scenarios/" + name + ".scenario")};
+        const std::vector<std::string> command{"examples/video_pipeline", "--socket", path,
+                                               "--seconds", "10"};
         runs.push_back({firstTrouble, std::make_unique<tests::Engine>(path, options),
                         std::make_unique<tests::Process>(command)});
     };

@@ -15,6 +15,7 @@
 #include "comms/Link.h"
 #include "comms/TextProtocol.h"
 #include "lipsyncapi/Service.h"
+#include "tests/support/Files.h"
 #include "utilities/result/ErrnoTrait.h"
 #include "utilities/xmlserializer/ResultTrait.h"
 
@@ -60,7 +61,7 @@ TEST(Result, TextsMatchTheDocumentation) {
         {"comms::Protocol", format<zub::comms::TextProtocol::Result>},
         {"comms::Link", format<Link::Result>},
         {"comms::Client", format<zub::comms::Client::Result>}};
-    std::ifstream document(DOCS "/results.md");
+    std::ifstream document(tests::sourceFile("docs/results.md"));
     const std::regex row("\\| (\\d+) \\| ([^|]+) \\|.*");
     std::string domain;
     int rows = 0;
