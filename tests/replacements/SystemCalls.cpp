@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace tests {
 
@@ -17,9 +18,13 @@ std::vector<useconds_t> pauses;
 
 namespace {
 
+// Whether this thread is inside an original. It may make calls of its own: Android's C library asks
+// the network daemon about some sockets. Those calls must not count.
+thread_local bool isInside = false;
+
 // Returns whether the call must fail, and sets errno if so.
 bool mustFail(Call call) {
-    if (call != systemCalls.failing || systemCalls.failuresToCome == 0) {
+    if (isInside || call != systemCalls.failing || systemCalls.failuresToCome == 0) {
         return false;
     }
     if (systemCalls.passing > 0) {
@@ -55,6 +60,14 @@ Function* hidden(const char* name, Function*) {
     return reinterpret_cast<Function*>(function);
 }
 
+template <typename Function, typename... Arguments>
+auto pass(Function* original, Arguments... arguments) {
+    const bool wasInside = std::exchange(isInside, true);
+    const auto result = original(arguments...);
+    isInside = wasInside;
+    return result;
+}
+
 } // namespace
 
 } // namespace tests
@@ -69,33 +82,34 @@ extern "C" int usleep(useconds_t microseconds) {
 // Whether `socket` and `shutdown` are declared noexcept depends on the C library.
 extern "C" int socket(int domain, int type, int protocol) noexcept(noexcept(socket(0, 0, 0))) {
     static const auto function = hidden("socket", socket);
-    return mustFail(Call::Socket) ? -1 : function(domain, type, protocol);
+    return mustFail(Call::Socket) ? -1 : pass(function, domain, type, protocol);
 }
 
 extern "C" int shutdown(int fd, int how) noexcept(noexcept(shutdown(0, 0))) {
     static const auto function = hidden("shutdown", shutdown);
     ++systemCalls.shutdowns;
-    return mustFail(Call::Shutdown) ? -1 : function(fd, how);
+    return mustFail(Call::Shutdown) ? -1 : pass(function, fd, how);
 }
 
 extern "C" int connect(int fd, const sockaddr* address, socklen_t size) {
     static const auto function = hidden("connect", connect);
-    return mustFail(Call::Connect) ? -1 : function(fd, address, size);
+    return mustFail(Call::Connect) ? -1 : pass(function, fd, address, size);
 }
 
 extern "C" ssize_t write(int fd, const void* data, std::size_t size) {
     static const auto function = hidden("write", write);
-    return isSocket(fd) && mustFail(Call::Write) ? -1 : function(fd, data, limited(fd, size));
+    return isSocket(fd) && mustFail(Call::Write) ? -1 : pass(function, fd, data, limited(fd, size));
 }
 
 extern "C" ssize_t read(int fd, void* buffer, std::size_t size) {
     static const auto function = hidden("read", read);
-    return isSocket(fd) && mustFail(Call::Read) ? -1 : function(fd, buffer, limited(fd, size));
+    return isSocket(fd) && mustFail(Call::Read) ? -1
+                                                : pass(function, fd, buffer, limited(fd, size));
 }
 
 extern "C" int close(int fd) {
     static const auto function = hidden("close", close);
     const bool isWatched = isSocket(fd);
-    const int result = function(fd);
+    const int result = pass(function, fd);
     return isWatched && mustFail(Call::Close) ? -1 : result;
 }
