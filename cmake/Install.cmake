@@ -52,22 +52,3 @@ endforeach()
 configure_file(cmake/zublipsyncapi.pc.in zublipsyncapi.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/zublipsyncapi.pc
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
-
-if(ZUBLIPSYNCAPI_TOOLS)
-    if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr" AND NOT IS_ABSOLUTE ${CMAKE_INSTALL_LIBDIR})
-        set_target_properties(lipsyncctl PROPERTIES
-            INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
-    endif()
-    install(TARGETS azubsim lipsyncctl DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
-    foreach(tool azubsim lipsyncctl)
-        install(FILES tools/${tool}/${tool}.bash RENAME ${tool}
-            DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
-        if(TARGET manuals)
-            install(FILES ${PROJECT_BINARY_DIR}/tools/${tool}.1
-                DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools)
-        endif()
-    endforeach()
-    file(GLOB scenarios CONFIGURE_DEPENDS tools/azubsim/scenarios/*.scenario)
-    install(FILES ${scenarios} DESTINATION ${CMAKE_INSTALL_DATADIR}/zublipsync-tools/scenarios
-        COMPONENT tools)
-endif()

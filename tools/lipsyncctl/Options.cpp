@@ -153,8 +153,6 @@ void requireCommand(const CLI::App& app, const Options& options) {
     }
 }
 
-} // namespace
-
 void declareOptions(CLI::App& app, Options& options) {
     app.name("lipsyncctl");
     app.formatter(std::make_shared<tools::HelpFormatter>());
@@ -168,6 +166,8 @@ void declareOptions(CLI::App& app, Options& options) {
     declareSendVideo(app, options);
     app.footer(notes);
 }
+
+} // namespace
 
 std::optional<int> readOptions(int argc, char** argv, Options& options) {
     CLI::App app;

@@ -3,10 +3,6 @@
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace lipsyncctl {
 
 enum class Format { Text, Json, Csv };
@@ -26,10 +22,10 @@ struct Options {
     unsigned long exchanges = 10;
     unsigned long capture = 0;
     unsigned long rendering = 0;
-};
 
-/// Declares the options and commands. Help and manual page are generated from them.
-void declareOptions(CLI::App& app, Options& options);
+    /// Whether a watch may end after this many readings.
+    bool isEnough(unsigned long count) const { return readings > 0 && count >= readings; }
+};
 
 /// Parses the command line. Returns the exit status if the program must exit.
 std::optional<int> readOptions(int argc, char** argv, Options& options);
