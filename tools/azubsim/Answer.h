@@ -7,7 +7,7 @@
 
 namespace azubsim {
 
-/// What an answer says. An answer to GetAudioTs has timestamps, also if it reports an error; one to
+/// What an answer says. An answer to GetAudioTs has timestamps, even if it reports an error; one to
 /// SetAudioDelay has none.
 struct Answer {
     int code = 0;

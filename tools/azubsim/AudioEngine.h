@@ -42,7 +42,7 @@ public:
     void setJitter(std::optional<Ms> depth) { _jitter = depth; }
 
     /// How far the far end's clock, which gives the capture timestamps, is ahead at this time, in
-    /// ms. To set it forgets what a drift has added; the drift goes on from there.
+    /// ms. Setting it discards what a drift has added; the drift continues from the new offset.
     double offsetMs(Clock::time_point now) const;
     void setOffsetMs(double offset, Clock::time_point now);
 

@@ -13,7 +13,7 @@ namespace azubsim {
 struct Command {
     enum class Kind { NoArgument, Switch, WholeNumber, Number, Fault };
 
-    /// What must be there for the command to have an effect.
+    /// Which source of answers the command needs, because it would have no effect with another one.
     enum class Needs { Nothing, Answers, Simulation };
 
     /// The argument after the check.
@@ -21,18 +21,18 @@ struct Command {
         bool isOn = false;
         double number = 0;
         std::optional<Fault> fault;
-        bool isWord = false; ///< The word that `argument` allows instead.
+        bool isWord = false; ///< It is the WORD of `argument`, so there is no other value.
     };
 
     const char* name;
-    const char* argument; ///< Its placeholder, which may end with "|WORD"; empty if there is none.
+    const char* argument; ///< Its placeholder, which may end with "|WORD"; empty if it takes none.
     const char* effect;   ///< For the help.
     Needs needs;
     Kind kind;
     double smallest; ///< The limits of a number.
     double largest;
     const char* unit;
-    void (*apply)(const Controls& controls, const Value& value); ///< Null: it only answers.
+    void (*apply)(const Controls& controls, const Value& value); ///< Null if it only reports.
 
     /// All commands, in the order of the help.
     static const std::vector<Command>& all();

@@ -20,8 +20,8 @@ public:
 
     struct Handlers {
         std::function<void(std::string_view)> received;
-        /// The far end sends no more. If it is gone, it does not read any more either. Can be
-        /// called twice, the second time because it has gone.
+        /// The far end sends no more; if `isGone`, it does not read any more either. May be called
+        /// a second time with `isGone`, when the far end closes its socket later.
         std::function<void(bool isGone)> ended;
         std::function<void()> drained; ///< Everything was written, or cannot be written any more.
     };
@@ -32,26 +32,26 @@ public:
     /// this class, and are destroyed by `close`.
     void start(Handlers handlers);
 
-    /// Stops reading, so that the far end has to wait, or reads again.
+    /// Stops reading until `resume`, so that the far end has to wait.
     void pause() { _isPaused = true; }
     void resume();
 
-    /// Writes the bytes after everything that was sent before and after their wait.
+    /// Writes the piece after all earlier ones. Its wait starts when they are written.
     void send(Reply::Piece piece);
 
     /// Bytes that are not written yet.
     std::size_t unsent() const { return _unsent; }
 
-    /// Once everything is written, tells the far end that no more will come.
+    /// Shuts down the sending side once everything is written.
     void endSending();
 
-    /// Once everything is written, closes the connection. Reads no more.
+    /// Stops reading, and closes the connection once everything is written.
     void closeWhenSent();
 
     /// Closes at once. If `received` calls this, the far end sees a reset.
     void close();
 
-    /// Whether it reads and takes bytes to send.
+    /// False after `closeWhenSent` or `close`: nothing more is read, and `send` does nothing.
     bool isOpen() const { return _socket.is_open() && !_isClosing; }
 
 private:

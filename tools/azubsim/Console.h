@@ -24,8 +24,8 @@ public:
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
 
-    /// Reads until the end of standard input or until "quit". Ignores the signal that would stop
-    /// this process when it reads from a terminal in the background.
+    /// Reads until the end of standard input or until "quit". Ignores SIGTTIN, which would stop
+    /// this process if it read from its terminal in the background.
     void start();
 
 private:

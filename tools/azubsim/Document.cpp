@@ -50,7 +50,7 @@ std::string print(const pugi::xml_document& document) {
     std::ostringstream printed;
     document.save(printed, "", pugi::format_raw | pugi::format_no_declaration);
     std::string text = printed.str();
-    // The engine puts a blank there, and the printer does not.
+    // The engine writes a blank before "/>"; pugixml does not.
     for (std::size_t end = 0; (end = text.find("/>", end)) != std::string::npos; end += 3) {
         text.insert(end, " ");
     }

@@ -12,7 +12,7 @@ namespace azubsim {
 class Framer {
 public:
     /// A longer message is cut, so that a stream without end markers does not fill the memory. An
-    /// engine's messages have less than a thousand bytes.
+    /// engine's messages have fewer than a thousand bytes.
     static constexpr std::size_t maxSize = 65536;
 
     /// Takes bytes up to the end of the current message, and removes them from `bytes`. Returns

@@ -7,8 +7,8 @@ namespace azubsim {
 
 /// The prompt of a terminal, and the line that is typed at it, with history.
 ///
-/// Nothing here blocks: the owner reads the terminal and passes on what was typed. In the
-/// background the terminal is left alone.
+/// Nothing here blocks: the owner reads the terminal and passes on what was typed. While the
+/// process is in the background, the terminal is not touched.
 class LineEditor {
 public:
     enum class Event { NeedsInput, Line, End };

@@ -14,8 +14,9 @@ namespace {
 
 void declareFaults(CLI::App& app, Options& options) {
     CLI::Option* const fault =
-        app.add_option("--fault", options.faultTexts,
-                       "Apply this fault to answers. Several faults (repeat the option) take turns")
+        app.add_option(
+               "--fault", options.faultTexts,
+               "Apply this fault to answers. If the option is repeated, the faults take turns")
             ->type_name("FAULT")
             ->expected(1)
             ->take_all();
@@ -34,8 +35,8 @@ void declareFaults(CLI::App& app, Options& options) {
 void declareFiles(CLI::App& app, Options& options) {
     app.add_option(
            "--scenario", options.scenarioFile,
-           "Carry out the commands of this file: lines of SECONDS COMMAND, counted from the "
-           "start; # begins a comment")
+           "Carry out the commands of this file: lines of SECONDS COMMAND, with the time since the "
+           "start. Lines that start with # are comments")
         ->type_name("FILE");
     app.add_option(
            "--record", options.recordFile,
@@ -49,7 +50,8 @@ void declareFiles(CLI::App& app, Options& options) {
     app.add_flag("--force", options.overwrites, "Let --record and --trace overwrite a file");
 }
 
-// An empty path is a variable that is not set. It must not turn a tap into a simulation.
+// An empty path usually comes from a shell variable that is not set. It must not turn a tap into a
+// simulation.
 void refuseEmptyPaths(CLI::App& app) {
     for (const char* const name : {"--scenario", "--record", "--trace", "--forward", "--replay"}) {
         app.get_option(name)->check([](const std::string& path) {
@@ -58,7 +60,7 @@ void refuseEmptyPaths(CLI::App& app) {
     }
 }
 
-// What would be ignored is refused.
+// Options that would be ignored are refused.
 void declareSources(CLI::App& app, Options& options) {
     CLI::Option* const noCall = app.add_flag(
         "--no-call", options.noCall, "Start outside a call: every request gets error code 1003");
@@ -69,10 +71,9 @@ void declareSources(CLI::App& app, Options& options) {
             ->type_name("ENGINE")
             ->excludes(noCall);
     CLI::Option* const replay =
-        app.add_option(
-               "--replay", options.replayFile,
-               "Send the answers of a recorded file in order and ignore the requests. After "
-               "the last one, close the connection on each request")
+        app.add_option("--replay", options.replayFile,
+                       "Send the answers of a recording in order and ignore the requests. After "
+                       "the last one, close the connection on each request")
             ->type_name("FILE")
             ->excludes(noCall)
             ->excludes(forward);
@@ -88,9 +89,9 @@ void declareOptions(CLI::App& app, Options& options) {
     app.formatter(std::make_shared<tools::HelpFormatter>());
     app.description(
         "Simulates the audio engine: answers lip-sync requests on a Unix-domain socket, with "
-        "plausible timestamps or with faults, until it is interrupted. Or stands between clients "
-        "and a real engine, to watch, record or spoil what passes. Commands on standard input "
-        "change its settings while it runs.");
+        "plausible timestamps or with faults, until it is interrupted. As a tap (--forward) it "
+        "stands between clients and a real engine, to watch, record or spoil what passes. Commands "
+        "on standard input change its settings while it runs.");
     app.add_option("--socket", options.socket,
                    "Socket path to listen on (required). A stale socket is replaced; anything "
                    "else there is an error")
@@ -101,7 +102,7 @@ void declareOptions(CLI::App& app, Options& options) {
     refuseEmptyPaths(app);
     app.add_flag("--verbose", options.isVerbose, "Print each message to standard error");
     app.footer("Faults:\n" + faultTable() +
-               "\nBy default a flood has 16 MiB, which costs a client of the library about 3 s.\n"
+               "\nBy default a flood has 16 MiB, which the library takes about 3 s to read.\n"
                "\nCommands on standard input:\n" +
                Commands::table() +
                "\nExit status:\n"
@@ -120,13 +121,13 @@ void check(Options& options) {
         throw CLI::RequiredError("--socket");
     }
     if (options.socket == options.engine) {
-        throw CLI::ValidationError("--forward", "the engine is at another path than --socket");
+        throw CLI::ValidationError("--forward", "the engine's path must differ from --socket");
     }
     if (options.overwrites && options.recordFile.empty() && options.traceFile.empty()) {
         throw CLI::RequiresError("--force", "--record or --trace");
     }
     if (!options.recordFile.empty() && options.recordFile == options.traceFile) {
-        throw CLI::ValidationError("--trace", "the file is the one of --record");
+        throw CLI::ValidationError("--trace", "the file must differ from that of --record");
     }
     for (const std::string& text : options.faultTexts) {
         std::string error;

@@ -14,8 +14,8 @@ public:
 
     bool isOpen() const { return _file.is_open(); }
 
-    /// Writes the text through to the system. Returns false, once, if that fails; then it does
-    /// nothing, and neither does it before `open`.
+    /// Writes the text through to the system. Returns false once, when that fails. After that,
+    /// and before `open`, it does nothing and returns true.
     bool write(const std::string& text);
 
 private:

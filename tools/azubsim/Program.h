@@ -24,7 +24,7 @@ class Program {
 public:
     Program(asio::io_context& io, const Options& options);
 
-    /// Runs until `stop`. Returns false, and has said why, if it cannot.
+    /// Runs until `stop`. Returns false, after printing the reason, if it cannot.
     bool run();
     void stop() { _io.stop(); }
 

@@ -20,16 +20,16 @@ namespace azubsim {
 ///      "complete":true,"answer":[{"after_ms":0.11,"bytes":"..."}],"end":"open","fault":"","engine_ms":0.1}
 ///
 /// `time` is in seconds since 1970. A request is not complete if its client left in the middle of
-/// it. `after_ms` is the wait before the bytes, from the request or from the bytes before. `end` is
-/// "open", "close" or "reset", which is what then happens to the connection. Messages need not be
-/// UTF-8, so each byte of `request`, `bytes` and `fault` is written as the character with the same
-/// number, U+0000 to U+00FF. ASCII stays readable.
+/// it. `after_ms` is the time since the request or the previous bytes. `end` says what then
+/// happens to the connection: "open", "close" or "reset". Messages need not be UTF-8, so each byte
+/// of `request`, `bytes` and `fault` is written as the character with the same number, U+0000 to
+/// U+00FF. ASCII stays readable.
 class Recorder {
 public:
     static constexpr const char* format = "azubsim recording";
     static constexpr int version = 2;
 
-    /// Longer waits are recorded as this one.
+    /// Longer waits are recorded as this long.
     static constexpr std::chrono::hours maxWait{1};
 
     /// The name of an end in the file.
@@ -39,8 +39,8 @@ public:
     /// in `error`.
     bool open(const std::string& path, bool force, std::string& error);
 
-    /// Returns false, once, if the recording cannot be written any more; then it does nothing, and
-    /// neither does it before `open`.
+    /// Returns false once, when the recording can no longer be written. After that, and before
+    /// `open`, it does nothing and returns true.
     bool add(const Exchange& exchange);
 
 private:

@@ -133,7 +133,7 @@ void join(Reply& reply) {
     }
 }
 
-// A last line that was cut short is put into `note`.
+// Ignores a last line that was cut short, and says so in `note`.
 std::vector<Reply> read(std::istream& file, std::string& note) {
     std::string line;
     std::getline(file, line);

@@ -8,17 +8,18 @@
 
 namespace azubsim {
 
-/// Gives the answers of a file that `Recorder` wrote, in order, whoever asks for what.
+/// Gives the answers of a file that `Recorder` wrote, in order, regardless of the clients
+/// and their requests.
 ///
-/// Bytes that a client got without a request are sent with its answer before them.
+/// Bytes that a client got without a request are sent with the previous answer to that client.
 class Replay {
 public:
     /// Reads and checks the whole file. Returns false, with the reason in `error`, if it is not a
     /// recording. `isTimed` keeps the recorded waits; otherwise each answer is one piece.
     bool open(const std::string& path, bool isTimed, std::string& error);
 
-    /// What the user should know about the file, or empty: an unfinished last line, which a killed
-    /// recorder leaves, is ignored.
+    /// A hint for the user, or empty. A killed recorder can leave an unfinished last line; the note
+    /// says that it was ignored.
     const std::string& note() const { return _note; }
 
     /// The next answer; after the last one, a reply that closes the connection.

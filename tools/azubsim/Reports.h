@@ -9,7 +9,7 @@
 
 namespace azubsim {
 
-/// Tells everything that wants to know of an exchange.
+/// Shows, records and traces exchanges.
 class Reports {
 public:
     explicit Reports(Screen& screen) : _screen(screen) {}

@@ -13,7 +13,7 @@ namespace azubsim {
 class Screen;
 
 /// Commands that are carried out at given times: lines of "SECONDS COMMAND". Blank lines and lines
-/// that start with "#" are left out.
+/// that start with "#" are ignored.
 class Scenario {
 public:
     /// Checks the whole file. Returns false, with the reason in `error`, for example as "FILE:LINE:

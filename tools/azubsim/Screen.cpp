@@ -28,7 +28,7 @@ void Screen::sayIfRead(const std::string& line) {
     }
     if (_leftOut > 0) {
         say("azubsim: nobody read the output; " + std::to_string(std::exchange(_leftOut, 0)) +
-            " lines are left out");
+            " lines were left out");
     }
     say(line);
 }

@@ -7,8 +7,8 @@ namespace azubsim {
 
 class LineEditor;
 
-/// Standard output and standard error. A line that is printed while somebody types does not tear
-/// the typed line: it appears above the prompt.
+/// Standard output and standard error. A line that is printed while somebody types appears above
+/// the prompt and does not mix with the typed text.
 class Screen {
 public:
     /// Prints a line, or several, to standard output at once, with control characters made visible.

@@ -37,8 +37,8 @@ private:
 bool toAddress(const std::string& path, asio::local::stream_protocol::endpoint& address,
                std::string& error);
 
-/// Connects a socket without blocking. Asio would take a full queue of an engine that does not
-/// accept (EAGAIN) for a connection.
+/// Connects a socket without blocking. Fails with EAGAIN if the queue of an engine that does not
+/// accept is full, which Asio's own function would report as a success.
 asio::error_code connectAtOnce(asio::local::stream_protocol::socket& socket,
                                const asio::local::stream_protocol::endpoint& address);
 

@@ -26,7 +26,7 @@ public:
 private:
     friend class TapSession;
 
-    /// Tells the user if the outcome of connecting is not that of the last time.
+    /// Tells the user if connecting has started to fail or to succeed, or fails for another reason.
     void tellChange(const asio::error_code& error);
 
     asio::io_context& _io;

@@ -14,9 +14,9 @@ namespace azubsim {
 /// chrome://tracing: a track with one slice per exchange for each client, a mark for each fault,
 /// and curves of latency, jitter depth and margin.
 ///
-/// Times are in microseconds since 1970. The file is a JSON array with one event per line. The
-/// comma is at the start of a line, so a killed program leaves out only the closing bracket, which
-/// the format allows.
+/// Times are in microseconds since 1970. The file is a JSON array with one event per line. Commas
+/// are at the start of lines, so if the program is killed, only the closing bracket is missing,
+/// which the format allows.
 class Trace {
 public:
     Trace() = default;
@@ -29,8 +29,8 @@ public:
     /// in `error`.
     bool open(const std::string& path, bool force, std::string& error);
 
-    /// Returns false, once, if the trace cannot be written any more; then it does nothing, and
-    /// neither does it before `open`.
+    /// Returns false once, when the trace can no longer be written. After that, and before `open`,
+    /// it does nothing and returns true.
     bool add(const Exchange& exchange);
 
 private:

@@ -46,7 +46,7 @@ Connection::~Connection() {
 std::optional<Failure> Connection::connect() {
     auto failure = run(Phase::Connecting, [this] { return _service.connect(_socket); });
     if (failure && failure->code == Failure::Code::TransportError) {
-        // It was ended, but may have connected at the last moment.
+        // The watchdog ended the call, but the socket may have connected at the last moment.
         _service.disconnect();
     }
     _isConnected = !failure;

@@ -14,9 +14,9 @@
 
 namespace lipsyncctl {
 
-/// A connection to the engine whose calls can be ended: by a timeout, by `stop`, and by a signal
-/// that was caught with `catchInterrupts`. One thread at a time, except for `stop` and
-/// `waitingTime`. The calls return nothing if they succeed.
+/// A connection to the engine. A timeout, `stop`, or a signal caught by `catchInterrupts` ends a
+/// call that waits. Use it from one thread at a time, except for `stop` and `waitingTime`. The
+/// calls return nothing if they succeed.
 class Connection {
 public:
     using Service = velta::zub::lipsyncapi::Service;
@@ -41,7 +41,7 @@ public:
     /// Ends the call that is running, and every later one. Any thread.
     void stop();
 
-    /// For how long the running call has been waiting; 0 if none is running. Any thread.
+    /// How long the current call has been waiting; 0 if none is running. Any thread.
     std::chrono::duration<double> waitingTime();
 
 private:

@@ -7,7 +7,7 @@
 
 namespace lipsyncctl {
 
-/// The exit status for a failure that has none of its own.
+/// The exit status for failures without a status of their own.
 constexpr int exitFailure = 1;
 
 /// Why a call failed.

@@ -2,7 +2,7 @@
 
 namespace lipsyncctl {
 
-/// From now on SIGINT and SIGTERM do not end the process but are noted. A second one ends it.
+/// From now on the first SIGINT or SIGTERM is only noted; a second one ends the process.
 void catchInterrupts();
 
 /// Whether such a signal has arrived.

@@ -26,7 +26,8 @@ struct Scale {
         return static_cast<int>(std::lround((topMs - ms) / (topMs - bottomMs) * height));
     }
 
-    // The first row below the line for 0. There is a row above it, and one below it if it is used.
+    // The first row below the line for 0. At least one row is above that line, and if there are
+    // latencies below 0, at least one is below it.
     int zeroRow() const { return std::clamp(row(0), 1, bottomMs < 0 ? height - 1 : height); }
 };
 

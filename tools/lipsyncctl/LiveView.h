@@ -24,7 +24,7 @@ public:
     void add(const Failure& failure);
     const Summary& summary() const { return _summary; }
 
-    /// Draws everything. `waitingTime` is for how long the engine has owed an answer. Returns false
+    /// Draws everything. `waitingTime` is how long the current call has been waiting. Returns false
     /// if the user wants to quit.
     bool refresh(std::chrono::duration<double> waitingTime);
 

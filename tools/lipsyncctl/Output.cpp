@@ -28,7 +28,8 @@ std::string quoted(const std::string& text) {
     return result + '"';
 }
 
-// A missing value is an empty cell. Of an error only the text is given, which has the code too.
+// A missing value is an empty cell. For an error the cell has only its text, which contains the
+// code.
 std::string cell(const Record& value) {
     if (value.is_null()) {
         return "";

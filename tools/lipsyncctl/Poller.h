@@ -32,7 +32,7 @@ public:
     /// Waits for the next event; returns nothing after the timeout.
     std::optional<Event> next(std::chrono::milliseconds timeout);
 
-    /// For how long the engine has owed an answer; 0 if it owes none.
+    /// How long the current call has been waiting; 0 if none is running.
     std::chrono::duration<double> waitingTime() { return _connection.waitingTime(); }
 
     /// Stops the thread, even if it waits for a silent engine.
