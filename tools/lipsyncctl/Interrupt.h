@@ -2,7 +2,8 @@
 
 namespace lipsyncctl {
 
-/// From now on the first SIGINT or SIGTERM is only noted; a second one ends the process.
+/// From now on SIGINT and SIGTERM do not end the process. They interrupt blocking system calls and
+/// set `isInterrupted`.
 void catchInterrupts();
 
 /// Whether such a signal has arrived.
