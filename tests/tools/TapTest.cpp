@@ -100,7 +100,7 @@ TEST_F(Tap, ClosesClientsWhileTheEngineIsAwayAndSaysSoOnce) {
     }
     engine = std::make_unique<Engine>(socket);
     run(LIPSYNCCTL, "timestamps" + atTap);
-    const std::string output = running.readUntil(" again\n");
+    const std::string output = running.readUntil("azubsim: connected to the engine");
     const std::regex away("azubsim: cannot connect to the engine at [^\n]*: [^\n]*;");
     EXPECT_EQ(std::distance(std::sregex_iterator(output.begin(), output.end(), away), {}), 1)
         << output;

@@ -19,9 +19,9 @@ void Tap::tellChange(const asio::error_code& error) {
     }
     if (error) {
         _reports.screen().warn("cannot connect to the engine at " + _path + ": " + error.message() +
-                               "; closing clients until it is there");
+                               "; clients are disconnected until it is back");
     } else {
-        _reports.screen().say("azubsim: connected to the engine at " + _path + " again");
+        _reports.screen().say("azubsim: connected to the engine at " + _path);
     }
     _lastError = error;
 }
