@@ -235,7 +235,7 @@ void checkEvent(const json& event, std::map<int, long long>& ends) {
     }
 }
 
-TEST_F(Recording, TraceObeysTheRulesOfItsFormat) {
+TEST_F(Recording, TraceFollowsTheRulesOfItsFormat) {
     std::string error;
     {
         Trace trace;
