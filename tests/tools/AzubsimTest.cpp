@@ -1,10 +1,8 @@
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 #include <set>
-#include <thread>
 
 #include "comms/Client.h"
 #include "tests/support/Files.h"
