@@ -14,6 +14,10 @@ if(NOT ZUBLIPSYNCAPI_SANITIZERS)
 endif()
 target_link_options(zublipsyncapi_options INTERFACE
     LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
+if(ANDROID)
+    # Devices with 16 KB pages load no library or program with a smaller alignment.
+    target_link_options(zublipsyncapi_options INTERFACE LINKER:-z,max-page-size=16384)
+endif()
 
 if(ZUBLIPSYNCAPI_SANITIZERS)
     target_compile_options(zublipsyncapi_options INTERFACE

@@ -1,8 +1,6 @@
 # How the shared library is laid out for its platform.
 
 if(ANDROID)
-    # Devices with 16 KB pages refuse to load a library with a smaller alignment.
-    target_link_options(zublipsyncapi PRIVATE LINKER:-z,max-page-size=16384)
     # Ship the library without symbols, and keep a copy with symbols to analyse crashes.
     add_custom_command(TARGET zublipsyncapi POST_BUILD
         COMMAND ${CMAKE_COMMAND} -E make_directory unstripped
