@@ -63,6 +63,12 @@ std::string Process::readUntil(const std::string& text) const {
     char byte;
     while (output.find(text) == std::string::npos && read(_output, &byte, 1) == 1) {
         output += byte;
+        if (output == "WARNING: linker: ") {
+            // Before the program starts, Android 7's linker warns of a flag that lld always sets.
+            const std::string rest = readUntil("\n");
+            const bool isFlag = rest.find(": unsupported flags DT_FLAGS_1=") != std::string::npos;
+            output = isFlag ? "" : output + rest;
+        }
     }
     return output;
 }

@@ -25,7 +25,7 @@ public:
     bool hasStarted() const { return _pid > 0; }
 
     /// Reads the output that goes to the test, standard error included, up to and including `text`
-    /// or to the end of the stream.
+    /// or to the end of the stream. Leaves out the warning of Android 7's linker.
     std::string readUntil(const std::string& text) const;
 
     /// Reads to the end of the stream or to a zero byte.
