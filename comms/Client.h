@@ -10,11 +10,14 @@ namespace velta::zub::comms {
 
 /// Connects to stream servers. Stateless; any thread.
 ///
-/// Both functions block for as long as the system's `connect` does, without a timeout or a retry.
-/// On success `link` is a new link, which the caller owns and deletes. After a failure it is null,
-/// and no descriptor stays open. Text arguments must not be null.
+/// Both functions block for as long as the system's `connect` does, without a timeout or a retry:
+/// on a Unix-domain socket, while the server's queue of connections is full. A signal ends that
+/// wait, if its handler was installed without `SA_RESTART`. On success `link` is a new link, which
+/// the caller owns and deletes. After a failure it is null, and no descriptor stays open. Text
+/// arguments must not be null.
 ///
-/// Standard input must stay open: a connection on descriptor 0 aborts the process.
+/// `lipsyncapi::Service` says why descriptors 0, 1 and 2 must stay open, and what a child of `fork`
+/// must do.
 class ZUBLIPSYNCAPI_EXPORT Client {
 public:
     /// What both functions return.
@@ -39,9 +42,9 @@ public:
     /// are used. Returns `Success` or `ConnectionFailed`.
     static Result connectUnixServer(const char* name, Link*& link);
 
-    /// Connects to a TCP port (modulo 65536) at a numeric IPv4 address. Host names are not
-    /// resolved: any other text means 0.0.0.0, this machine. Returns `Success` or
-    /// `ConnectionFailed`.
+    /// Connects to a TCP port (modulo 65536) at a numeric IPv4 address. A host name is not
+    /// resolved: like any text that is no such address, it means 0.0.0.0, this machine. Returns
+    /// `Success` or `ConnectionFailed`.
     static Result connectTcpServer(const char* host, int port, Link*& link);
 };
 

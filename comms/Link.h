@@ -13,8 +13,8 @@ namespace velta::zub::comms {
 /// One thread at a time, with one exception: any thread may call `close` while another is blocked
 /// in `read` or `write`. The blocked call then returns `Closed`.
 ///
-/// The library does not handle `SIGPIPE`. The process should ignore it: otherwise a `write` to a
-/// peer that has gone, or after `close`, kills the process.
+/// The library does not handle `SIGPIPE`. Ignore it: otherwise it kills the process in a `write` to
+/// a peer that has gone, or after `close`.
 class ZUBLIPSYNCAPI_EXPORT Link {
 public:
     /// What `read` and `write` return.
@@ -42,7 +42,8 @@ public:
     /// Takes ownership of a connected descriptor. Aborts the process unless it is above 0.
     explicit Link(int fdLinkSocket);
 
-    /// Closes the connection and the descriptor.
+    /// Shuts the connection down and closes the descriptor. In a child of `fork` that ends the
+    /// parent's connection too.
     ~Link();
 
     Link(const Link&) = delete;

@@ -15,22 +15,46 @@ namespace velta::zub::lipsyncapi {
 
 /// A connection to the audio engine, for keeping pictures in step with a call's audio.
 ///
-/// One thread at a time for each object, except for `cancel`. `setAudioDelayMargin` and
+/// **Blocking.** There is no timeout: a silent engine blocks `setAudioDelayMargin` and
+/// `getAudioTimestamps` until it answers or closes the connection, or until another thread calls
+/// `cancel`. `connect` sends nothing, but blocks while the engine's queue of connections is full:
+/// until the engine accepts one or stops listening. `cancel` does not end that wait; a signal does,
+/// if its handler was installed without `SA_RESTART`. The other calls return at once.
+///
+/// **Threads.** The library starts no threads and takes no locks. Use one `Service` from one thread
+/// at a time; only `cancel` may be called from another one. `setAudioDelayMargin` and
 /// `getAudioTimestamps` must not run at the same time even on two objects, because all objects
-/// receive through one buffer. With several threads, put one lock around all of these calls.
+/// share one receive buffer. With several threads, hold one lock around every such call.
 ///
-/// These two functions exchange a request and its answer with the engine. There is no timeout and
-/// no retry: a silent engine blocks the caller until it answers or closes the connection, or until
-/// another thread calls `cancel`.
+/// **Cancel.** `cancel` must not overlap `connect`, `disconnect` or the destructor: those create
+/// and delete what it uses, and the descriptor that it shuts down may already belong to someone
+/// else. The exchange that it ends and every later one return `TransportError` until you reconnect.
+/// An exchange whose answer has already been read still succeeds.
 ///
-/// After a failed exchange the object is still connected. After `TransportError`, disconnect and
-/// connect again.
+/// **SIGPIPE.** Ignore it: otherwise it kills the process when the library writes to an engine that
+/// has gone, or after `cancel`. It can also come from the exchange that is being cancelled, if that
+/// has not written its request yet.
 ///
-/// The only exception thrown is `std::bad_alloc`. Afterwards disconnect and connect again, as after
-/// `TransportError`: the answer may still arrive. The XML parser leaks what it held at the time.
+/// **Descriptors 0, 1 and 2.** Keep them open. If a socket gets descriptor 0, the library aborts
+/// the process. If it gets 1 or 2, the engine receives what the process prints there; without
+/// standard error, that is the library's own log lines. These lines at the start of `main` keep all
+/// three open:
 ///
-/// The process should ignore `SIGPIPE`: otherwise writing to an engine that has gone kills it.
-/// Standard input must stay open: a connection on descriptor 0 aborts the process.
+///     for (int fd = 0; fd <= 2; ++fd)
+///         if (fcntl(fd, F_GETFD) < 0) open("/dev/null", O_RDWR);
+///
+/// **Fork.** The socket is not close-on-exec, and a child of `fork` shares its parent's connection.
+/// A child must not use or destroy the `Service`: its destructor shuts the parent's connection, and
+/// `exit` runs that of a static `Service`. End the child with `_exit`, or with `exec` after closing
+/// the descriptors from 3 upwards: a program that inherits the socket holds the connection open
+/// when the parent is killed.
+///
+/// After a failed exchange the object is still connected. After `TransportError` reconnect: call
+/// `disconnect` and `connect`, then set the margin again, because the engine may have been
+/// restarted.
+///
+/// The only exception thrown is `std::bad_alloc`. Reconnect afterwards, as after `TransportError`:
+/// the answer may still arrive. The XML parser leaks what it held at the time.
 class ZUBLIPSYNCAPI_EXPORT Service {
 public:
     /// What the functions of this class return.
@@ -75,14 +99,14 @@ public:
     Service& operator=(const Service&) = delete;
 
     /// Connects to the Unix-domain stream socket at this path. Only the first 108 bytes of the
-    /// path are used. Sends nothing to the engine. Writes one log line. Blocks for as long as the
-    /// system's `connect` does.
+    /// path are used. Sends nothing to the engine. Writes one log line. Blocks while the
+    /// engine's queue of connections is full.
     ///
     /// Returns
     /// - `Success`;
     /// - `BadState`: already connected; the existing connection stays usable;
-    /// - `CannotConnect`: no engine listens there, or the system refused; the object stays
-    ///   unconnected.
+    /// - `CannotConnect`: no engine listens there, the system refused, or a signal ended the wait;
+    ///   the object stays unconnected.
     Result connect(const std::string& socketName = defaultLipsyncSocketName);
 
     /// Closes the connection. Writes one log line. Does not block.
@@ -146,20 +170,17 @@ public:
     /// - `BadState`: not connected.
     Result setVideoTimestamps(const common::LipSyncNtpTimestamps& timestamps);
 
-    /// Ends a blocked exchange: closes the connection under it. Does not block. Writes no log line.
+    /// Closes the connection, so that a blocked exchange ends. Does not block. Writes no log line.
     ///
     /// Any thread may call this while another is inside `setAudioDelayMargin` or
-    /// `getAudioTimestamps` of the same object. It must not overlap `connect`, `disconnect` or the
-    /// destructor. The exchange and every later one return `TransportError` with the cause
-    /// "Connection closed", until `disconnect` and `connect`; the object counts as connected until
-    /// then. Does nothing without a connection.
+    /// `getAudioTimestamps` of the same object; the class comment says what it must not overlap. A
+    /// cancelled exchange has the cause "Connection closed". The object counts as connected until
+    /// `disconnect`. Does nothing without a connection.
     ///
     /// A watchdog shares a mutex and a deadline with the calling thread. The calling thread sets
     /// the deadline before an exchange and clears it afterwards, each time under the mutex. The
     /// watchdog calls `cancel` under the mutex, and only if the deadline is set and has passed. The
     /// calling thread connects, disconnects and destroys the object only while no deadline is set.
-    ///
-    /// A later exchange writes to a closed connection, which raises `SIGPIPE`: ignore it.
     void cancel();
 
 private:
@@ -172,7 +193,7 @@ private:
     getAudioTimestampsInternal(common::LipSyncNtpTimestamps& timestamps) const;
 
     cmdfrmwrk::Client* _commandClient;
-    State _state;
+    State _state; // Assertions compare it with the pointer.
     unsigned long _audioDelayMargin;
 };
 
