@@ -2,13 +2,13 @@
 
 namespace velta::zub::common {
 
-/// The engine's timestamps for the audio that it plays. The three times are in NTP 32.32 fixed
-/// point: the upper half holds seconds since 1900, the lower half the fraction of a second. The
-/// library passes all four values on unchanged.
+/// The engine's timestamps for the audio that it plays. The library passes all four values on
+/// unchanged. Units and clocks are assumed; see docs/lip-sync.md to check: the times are NTP 32.32
+/// fixed point, seconds since 1900 in the upper half, fractions of a second in the lower.
 struct LipSyncNtpTimestamps {
-    unsigned long audioCaptureTimestamp = 0;   ///< When the far end captured the audio; NTP 32.32.
-    unsigned long audioRenderingTimestamp = 0; ///< When this device plays it; NTP 32.32.
-    unsigned long audioReceivingTimestamp = 0; ///< When this device received it; NTP 32.32.
+    unsigned long audioCaptureTimestamp = 0;   ///< When the far end captured it; sender's clock.
+    unsigned long audioRenderingTimestamp = 0; ///< When this device plays it; this device's clock.
+    unsigned long audioReceivingTimestamp = 0; ///< When it arrived here; this device's clock.
     unsigned long jbmCurrentDepth = 0;         ///< Current depth of the jitter buffer; ms.
 };
 
