@@ -12,7 +12,7 @@ namespace video {
 /// One picture on the screen.
 struct Picture {
     std::chrono::steady_clock::time_point due;
-    std::uint64_t captured; ///< At the far end; NTP 32.32.
+    std::uint64_t captured; ///< At the far end, but on this machine's clock; NTP 32.32.
     std::uint64_t shown;    ///< Here; NTP 32.32.
     double delayMs;         ///< How long it was held back.
 
@@ -20,6 +20,9 @@ struct Picture {
 };
 
 /// Simulated pictures of a call, 30 per second. Network, decoder and display make them late.
+///
+/// Their capture times are of this machine's clock. Those of a real call must be of the same clock
+/// as the sound's, the sender's: then nothing is to be done when the clocks of the two ends differ.
 class Pictures {
 public:
     Pictures(std::chrono::steady_clock::time_point start, double latenessMs)
