@@ -44,6 +44,7 @@ public:
 
     /// Takes ownership of `link`. Aborts the process if it is null.
     explicit Protocol(Link* link) : _link(link) {
+        // The site is a fixed text and names another file.
         VELTA_ASSERT("comms/src/TextProtocol.cpp", 97, link != NULL, "Null pointer");
     }
 

@@ -12,6 +12,7 @@ namespace velta::zub::lipsync {
 struct LipSyncNtpTimestampsTrait {
     using Type = common::LipSyncNtpTimestamps;
 
+    // These names are fixed: capture, rendering and receiving time.
     struct Tags {
         static constexpr const char* tCap = "capture_timestamp";
         static constexpr const char* tRdr = "rendering_timestamp";

@@ -18,6 +18,7 @@ Client::Result Client::exchange(const std::string& request, std::unique_ptr<std:
     if (received.isFailure()) {
         return received;
     }
+    // The site is a fixed text and names another file.
     VELTA_ASSERT("lipsyncapi/src/Service.cpp", 94, answerStr != NULL, "answer string is null");
     answer.reset(answerStr);
     return ResultCode::Success;

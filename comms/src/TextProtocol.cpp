@@ -6,7 +6,7 @@ namespace velta::zub::comms {
 
 namespace {
 
-char receiveChunkBytes[512];
+char receiveChunkBytes[512]; // Of all objects: callers hold one lock.
 
 TextProtocol::Result toProtocolResult(const Link::Result& result) {
     using ResultCode = TextProtocol::ResultCode;
@@ -38,6 +38,7 @@ TextProtocol::Result TextProtocol::send(const std::string& message) {
 
 TextProtocol::Result TextProtocol::receive(std::string*& message) {
     message = nullptr;
+    // Each search starts at the front: the marker may arrive in two reads.
     std::string::size_type end = _receiveBuffer.find(endMessageMarker);
     while (end == std::string::npos) {
         Result result = receiveChunk();

@@ -15,6 +15,7 @@ namespace {
 
 using ApiLog = log::ApiLog<Logger>;
 
+// The exported constants again, in the type of the arguments and messages.
 constexpr unsigned long largestMarginMs = 100;
 constexpr unsigned long marginStepMs = 20;
 

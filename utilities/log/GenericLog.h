@@ -94,7 +94,8 @@ public:
     };
 };
 
-/// The log of this library: the Android log first, then standard error.
+/// The log of this library: the Android log first, then standard error. On Linux the Android log
+/// goes to standard error too, so each line appears twice.
 using StandardLog = GenericLog<TypeList<StdIoLogTrait, TypeList<AndroidLogTrait<false>>>>;
 
 } // namespace velta::utilities
