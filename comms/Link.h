@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -68,7 +69,10 @@ public:
 
 private:
     int _fdLinkSocket;
-    bool _isClosed;
+    // Written by `close` in one thread, read in another. Relaxed order is enough: `shutdown` is what
+    // wakes the other thread.
+    std::atomic<bool> _isClosed;
+    static_assert(sizeof(std::atomic<bool>) == sizeof(bool), "the layout is part of the interface");
 };
 
 } // namespace velta::zub::comms

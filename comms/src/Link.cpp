@@ -49,9 +49,8 @@ Link::~Link() {
 
 void Link::close() {
     VELTA_ASSERT("comms/src/Link.cpp", 54, _fdLinkSocket > 0, "Invalid File Descriptor");
-    if (!_isClosed) {
-        // Set the flag first: the call that `shutdown` wakes must see it.
-        _isClosed = true;
+    // Set the flag first: the call that `shutdown` wakes must see it.
+    if (!_isClosed.exchange(true, std::memory_order_relaxed)) {
         ::shutdown(_fdLinkSocket, SHUT_RDWR);
     }
 }
@@ -66,7 +65,7 @@ Link::Result Link::write(const void* data, std::size_t size) {
     while (written < size) {
         const ssize_t n = ::write(_fdLinkSocket, bytes + written, size - written);
         const int error = errno;
-        if (_isClosed) {
+        if (_isClosed.load(std::memory_order_relaxed)) {
             return ResultCode::Closed;
         }
         if (n >= 0) {
@@ -88,7 +87,7 @@ Link::Result Link::read(void* buffer, std::size_t size, std::size_t& bytesRead) 
     for (;;) {
         const ssize_t n = ::read(_fdLinkSocket, buffer, size);
         const int error = errno;
-        if (_isClosed) {
+        if (_isClosed.load(std::memory_order_relaxed)) {
             return ResultCode::Closed;
         }
         if (n > 0) {
