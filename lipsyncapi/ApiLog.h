@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "utilities/log/Level.h"
-#include "utilities/result/Decimal.h"
+#include "utilities/result/Digits.h"
 
 namespace velta::zub::log {
 
@@ -46,7 +46,7 @@ public:
 
 private:
     ApiLog& addParam(std::string_view name, unsigned long value, std::string& params) {
-        return addParam(name, utilities::result::Decimal(value), params);
+        return addParam(name, utilities::result::Digits(value), params);
     }
 
     ApiLog& addParam(std::string_view name, std::string_view value, std::string& params) {

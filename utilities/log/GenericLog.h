@@ -10,7 +10,7 @@
 #include "utilities/log/AndroidLogTrait.h"
 #include "utilities/log/Level.h"
 #include "utilities/log/StdIoLogTrait.h"
-#include "utilities/result/Decimal.h"
+#include "utilities/result/Digits.h"
 
 namespace velta::utilities {
 
@@ -75,7 +75,7 @@ public:
 
         template <typename Integer, std::enable_if_t<std::is_integral<Integer>::value, int> = 0>
         Stream& operator<<(Integer number) noexcept {
-            return *this << std::string_view(result::Decimal(number));
+            return *this << std::string_view(result::Digits(number));
         }
 
         [[gnu::format(printf, 2, 3)]] void log(const char* format, ...) {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-#include "utilities/result/Decimal.h"
+#include "utilities/result/Digits.h"
 
 namespace velta::utilities::result {
 
@@ -51,7 +51,7 @@ template <>
 struct Append<int> {
     template <typename Trait>
     static void run(Result<Trait>& target, const int& value) {
-        target.message += Decimal(value);
+        target.message += Digits(value);
     }
 };
 
@@ -59,7 +59,7 @@ template <>
 struct Append<unsigned long> {
     template <typename Trait>
     static void run(Result<Trait>& target, const unsigned long& value) {
-        target.message += Decimal(value);
+        target.message += Digits(value);
     }
 };
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "utilities/result/Append.h"
-#include "utilities/result/Decimal.h"
+#include "utilities/result/Digits.h"
 
 namespace velta::utilities::result {
 
@@ -76,7 +76,7 @@ public:
         }
         std::string text = Trait::text(code);
         text += " (Code ";
-        text += Decimal(static_cast<int>(code));
+        text += Digits(static_cast<int>(code));
         text += ')';
         const std::string details = getMainMessage();
         if (!details.empty()) {

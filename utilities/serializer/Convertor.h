@@ -7,7 +7,7 @@
 #include <system_error>
 #include <type_traits>
 
-#include "utilities/result/Decimal.h"
+#include "utilities/result/Digits.h"
 
 namespace velta::utilities::serializer {
 
@@ -21,7 +21,7 @@ struct Convertor {
                   "only for integers: other types need their own convertor");
 
     static bool toString(const T& value, std::string& text) {
-        text = result::Decimal(value);
+        text = result::Digits(value);
         return true;
     }
 

@@ -8,11 +8,11 @@ namespace velta::utilities::result {
 
 /// The decimal digits of an integer, for messages and log lines. Unlike a stream, it ignores the
 /// global locale, which may group digits. Does not allocate.
-class Decimal {
+class Digits {
 public:
     /// Takes any integer of up to 64 bits.
     template <typename Integer>
-    explicit Decimal(Integer value)
+    explicit Digits(Integer value)
         : _end(std::to_chars(_digits, _digits + sizeof(_digits), value).ptr) {}
 
     /// The digits, after a minus sign if the value is negative. Valid as long as this object.
