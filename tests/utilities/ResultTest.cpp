@@ -38,18 +38,15 @@ TEST(Result, FormatsCodeMessageCausesAndTrailer) {
     Link::Result result(Link::ResultCode::IoError);
     EXPECT_EQ(result.format(), "I/O error (Code 10004)");
     const char* const pointer = "pointer ";
-    Link::Result copy = result << "array " << pointer << std::string("string ") << 'c' << -5
-                               << 18446744073709551615UL;
-    // The first piece changes the result itself, the others change a copy.
-    EXPECT_EQ(result.format(), "I/O error (Code 10004): array ");
-    EXPECT_EQ(copy.format(),
-              "I/O error (Code 10004): array pointer string c-518446744073709551615");
+    // A named result keeps its whole chain.
+    result << "array " << pointer << std::string("string ") << 'c' << -5 << 18446744073709551615UL;
+    const std::string text = "I/O error (Code 10004): array pointer string c-518446744073709551615";
+    EXPECT_EQ(result.format(), text);
 
-    result << Result<ErrnoTrait>(EPIPE);
-    result << zub::cmdfrmwrk::Peer::Result::success();
+    result << Result<ErrnoTrait>(EPIPE) << zub::cmdfrmwrk::Peer::Result::success();
     result.trailer = "!";
     const std::string causes = std::string(std::strerror(EPIPE)) + " (Code 32) && Success";
-    EXPECT_EQ(result.format(), "I/O error (Code 10004): array  {" + causes + "}!");
+    EXPECT_EQ(result.format(), text + " {" + causes + "}!");
 }
 
 TEST(Result, TextsMatchTheDocumentation) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "utilities/result/Append.h"
 #include "utilities/result/Digits.h"
@@ -49,12 +50,19 @@ public:
     /// Whether the code is not `successCode`.
     bool isFailure() const { return !isSuccess(); }
 
-    /// Appends text, a character or a number to `message`, or another result to `causes`. Changes
-    /// this result and returns a copy, so that a function can build a failure in its `return`.
+    /// Appends text, a character or a number to `message`, or another result to `causes`. Returns
+    /// this result.
     template <typename Value>
-    Result operator<<(const Value& value) {
+    Result& operator<<(const Value& value) & {
         Append<Value>::run(*this, value);
         return *this;
+    }
+
+    /// The same for a temporary, so that a function can build a failure in its `return` without a
+    /// copy. The reference is valid until the end of the statement: bind a value to it.
+    template <typename Value>
+    Result&& operator<<(const Value& value) && {
+        return std::move(*this << value);
     }
 
     /// Returns `message`, followed by `causes` in braces if there are any.

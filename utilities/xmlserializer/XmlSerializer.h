@@ -40,7 +40,8 @@ public:
         TiXmlElement command(Trait::tag);
         Result result = XmlTraitSerializer<Trait>::toXml(request, command);
         if (result.isFailure()) {
-            return result << " (While serializing \"" << Trait::tag << "\")";
+            result << " (While serializing \"" << Trait::tag << "\")";
+            return result;
         }
         text = detail::printDocument(rootTag, version, command);
         return ResultCode::Success;

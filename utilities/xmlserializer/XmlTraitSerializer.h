@@ -26,7 +26,7 @@ Result findElement(const TiXmlNode& parent, const char* tag, const TiXmlNode*& c
 Result findText(const TiXmlNode& parent, const TiXmlNode*& child);
 
 /// Appends the name of the element being read to the message of `outcome`, a success or a failure.
-Result whileDeserializing(Result outcome, const char* tag);
+Result addReadingContext(Result outcome, const char* tag);
 
 /// Finds the node inside an element that holds the value of a trait. On failure `child` is null.
 template <typename Trait>
@@ -117,7 +117,7 @@ struct XmlTraitSerializer {
         if (name.isFailure()) {
             return name;
         }
-        return detail::whileDeserializing(Children::fromXml(element, record), tag);
+        return detail::addReadingContext(Children::fromXml(element, record), tag);
     }
 };
 
@@ -157,7 +157,7 @@ struct XmlTraitSerializer<serializer::NamedTextTrait<T, elementName, emptyTextAl
         if (name.isFailure()) {
             return name;
         }
-        return detail::whileDeserializing(readText(element, value), tag);
+        return detail::addReadingContext(readText(element, value), tag);
     }
 
 private:

@@ -33,8 +33,9 @@ Result findText(const TiXmlNode& parent, const TiXmlNode*& child) {
            << "Node \"" << parent.Value() << "\" does not contain an expected text node child";
 }
 
-Result whileDeserializing(Result outcome, const char* tag) {
-    return outcome << " (While desserializing \"" << tag << "\")";
+Result addReadingContext(Result outcome, const char* tag) {
+    outcome << " (While desserializing \"" << tag << "\")";
+    return outcome;
 }
 
 } // namespace velta::utilities::xmlserializer::detail
