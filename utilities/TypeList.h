@@ -19,12 +19,12 @@ struct TypeList {
 /// Calls `visit` with an object of each type in the list, in order, until a call returns false.
 /// Returns whether all calls returned true.
 template <typename Visit>
-bool visitAll(detail::TypeNull, const Visit&) {
+constexpr bool visitAll(detail::TypeNull, const Visit&) {
     return true;
 }
 
 template <typename Head, typename Tail, typename Visit>
-bool visitAll(TypeList<Head, Tail>, const Visit& visit) {
+constexpr bool visitAll(TypeList<Head, Tail>, const Visit& visit) {
     return visit(Head{}) && visitAll(Tail{}, visit);
 }
 

@@ -9,6 +9,7 @@
 #include "utilities/TypeList.h"
 #include "utilities/xmlserializer/Envelope.h"
 #include "utilities/xmlserializer/ResultTrait.h"
+#include "utilities/xmlserializer/TraitChecks.h"
 #include "utilities/xmlserializer/XmlTraitSerializer.h"
 
 namespace velta::utilities::xmlserializer {
@@ -20,6 +21,11 @@ template <typename Traits, typename Type>
 struct TraitOf
     : std::conditional_t<std::is_same<typename Traits::Head::Type, Type>::value,
                          TypeList<typename Traits::Head>, TraitOf<typename Traits::Tail, Type>> {};
+
+template <typename Type>
+struct TraitOf<utilities::detail::TypeNull, Type> {
+    static_assert(!std::is_same<Type, Type>::value, "this type has no trait in the list");
+};
 
 } // namespace detail
 
@@ -36,21 +42,35 @@ public:
     template <typename Request>
     Result serialize(const Request& request, std::string& text) const {
         using Trait = typename detail::TraitOf<Traits, Request>::Head;
-        text.clear();
-        TiXmlElement command(Trait::tag);
-        Result result = XmlTraitSerializer<Trait>::toXml(request, command);
-        if (result.isFailure()) {
-            result << " (While serializing \"" << Trait::tag << "\")";
-            return result;
+        if constexpr (detail::WritingCheck<Trait>::run()) {
+            return write<Trait>(request, text);
         }
-        text = detail::printDocument(rootTag, version, command);
-        return ResultCode::Success;
     }
 
     /// After a failure `answer` may be partly filled: fields read before the failing one are set.
     template <typename Answer>
     Result deserialize(const std::string& text, Answer& answer) const {
         using Trait = typename detail::TraitOf<Traits, Answer>::Head;
+        if constexpr (detail::ReadingCheck<Trait>::run()) {
+            return read<Trait>(text, answer);
+        }
+    }
+
+private:
+    template <typename Trait>
+    Result write(const typename Trait::Type& request, std::string& text) const {
+        text.clear();
+        TiXmlElement command(Trait::tag);
+        Result result = XmlTraitSerializer<Trait>::toXml(request, command);
+        if (result.isFailure()) {
+            return detail::addWritingContext(std::move(result), Trait::tag);
+        }
+        text = detail::printDocument(rootTag, version, command);
+        return ResultCode::Success;
+    }
+
+    template <typename Trait>
+    Result read(const std::string& text, typename Trait::Type& answer) const {
         if (detail::readPlainDocument<Trait>(text, rootTag, version, answer)) {
             return ResultCode::Success;
         }
@@ -63,7 +83,6 @@ public:
         return XmlTraitSerializer<Trait>::fromXml(*command, answer, Trait::tag);
     }
 
-private:
     std::string rootTag;
     std::string version;
 };

@@ -2,12 +2,17 @@
 
 #include <tinyxml.h>
 
+#include <memory>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include "utilities/TypeList.h"
+#include "utilities/result/Digits.h"
 #include "utilities/serializer/NamedTextTrait.h"
 #include "utilities/serializer/TextTrait.h"
 #include "utilities/xmlserializer/ResultTrait.h"
+#include "utilities/xmlserializer/XmlNodes.h"
 
 namespace velta::utilities::xmlserializer {
 
@@ -16,17 +21,41 @@ struct XmlTraitSerializer;
 
 namespace detail {
 
-/// Returns `WrongXmlNode` if the element is not named `tag`.
-Result checkName(const TiXmlNode& element, const char* tag);
+/// Creates an element, which the caller owns, and lets `fill` add its content. After a failure
+/// `node` is unchanged.
+template <typename Fill>
+Result writeElement(const char* tag, TiXmlNode*& node, const Fill& fill) {
+    auto element = std::make_unique<TiXmlElement>(tag);
+    Result result = fill(*element);
+    if (result.isFailure()) {
+        return addWritingContext(std::move(result), tag);
+    }
+    node = element.release();
+    return result;
+}
 
-/// Finds the first child element named `tag`. On failure `child` is null.
-Result findElement(const TiXmlNode& parent, const char* tag, const TiXmlNode*& child);
+/// Writes a value into a new last child of `element`.
+template <typename Trait>
+Result appendNode(const typename Trait::Type& value, TiXmlNode& element) {
+    TiXmlNode* node = nullptr;
+    Result result = XmlTraitSerializer<Trait>::toXml(value, node);
+    if (result.isSuccess()) {
+        element.LinkEndChild(node);
+    }
+    return result;
+}
 
-/// Finds the first text child. On failure `child` is null.
-Result findText(const TiXmlNode& parent, const TiXmlNode*& child);
-
-/// Appends the name of the element being read to the message of `outcome`, a success or a failure.
-Result addReadingContext(Result outcome, const char* tag);
+/// Appends a value that could not be written to a failure: an integer or an enumerator as a number.
+template <typename T>
+void appendValue(Result& failure, const T& value) {
+    if constexpr (std::is_enum_v<T>) {
+        appendValue(failure, static_cast<std::underlying_type_t<T>>(value));
+    } else if constexpr (std::is_integral_v<T>) {
+        failure.message += result::Digits(value);
+    } else {
+        failure << value;
+    }
+}
 
 /// Finds the node inside an element that holds the value of a trait. On failure `child` is null.
 template <typename Trait>
@@ -71,12 +100,7 @@ private:
 
     template <typename Child>
     static Result writeChild(const Record& record, TiXmlNode& element) {
-        TiXmlNode* node = nullptr;
-        Result result = XmlTraitSerializer<typename Child::Trait>::toXml(Child::get(record), node);
-        if (result.isSuccess()) {
-            element.LinkEndChild(node);
-        }
-        return result;
+        return appendNode<typename Child::Trait>(Child::get(record), element);
     }
 
     template <typename Child>
@@ -110,6 +134,13 @@ struct XmlTraitSerializer {
         return Children::toXml(record, element);
     }
 
+    /// Creates an element with the children, which the caller owns. After a failure `node` is
+    /// unchanged.
+    static Result toXml(const Record& record, TiXmlNode*& node) {
+        return detail::writeElement(Trait::tag, node,
+                                    [&](TiXmlNode& element) { return toXml(record, element); });
+    }
+
     /// Reads an element that must be named `tag`. After a failure `record` holds the children
     /// that were read before the failing one.
     static Result fromXml(const TiXmlNode& element, Record& record, const char* tag) {
@@ -127,8 +158,11 @@ struct XmlTraitSerializer<serializer::TextTrait<T, Convertor>> {
     static Result toXml(const T& value, TiXmlNode*& node) {
         std::string text;
         if (!Convertor::toString(value, text)) {
-            return Result(ResultCode::ConversionFailed)
-                   << "Unable to convert \"" << value << "\" to string.";
+            Result failure = ResultCode::ConversionFailed;
+            failure << "Unable to convert \"";
+            detail::appendValue(failure, value);
+            failure << "\" to string.";
+            return failure;
         }
         node = new TiXmlText(text.c_str());
         return ResultCode::Success;
@@ -150,6 +184,14 @@ struct XmlTraitSerializer<serializer::TextTrait<T, Convertor>> {
 template <typename T, const char* const* elementName, bool emptyTextAllowed, typename Convertor>
 struct XmlTraitSerializer<serializer::NamedTextTrait<T, elementName, emptyTextAllowed, Convertor>> {
     using Text = serializer::TextTrait<T, Convertor>;
+
+    /// Creates an element with a text node, which the caller owns. After a failure `node` is
+    /// unchanged.
+    static Result toXml(const T& value, TiXmlNode*& node) {
+        return detail::writeElement(*elementName, node, [&](TiXmlNode& element) {
+            return detail::appendNode<Text>(value, element);
+        });
+    }
 
     /// Reads an element that must be named `tag`. After a failure `value` is unchanged.
     static Result fromXml(const TiXmlNode& element, T& value, const char* tag) {

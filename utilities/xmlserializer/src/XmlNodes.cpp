@@ -1,4 +1,4 @@
-#include "utilities/xmlserializer/XmlTraitSerializer.h"
+#include "utilities/xmlserializer/XmlNodes.h"
 
 #include <cstring>
 
@@ -36,6 +36,11 @@ Result findText(const TiXmlNode& parent, const TiXmlNode*& child) {
 Result addReadingContext(Result outcome, const char* tag) {
     outcome << " (While desserializing \"" << tag << "\")";
     return outcome;
+}
+
+Result addWritingContext(Result failure, const char* tag) {
+    failure << " (While serializing \"" << tag << "\")";
+    return failure;
 }
 
 } // namespace velta::utilities::xmlserializer::detail
