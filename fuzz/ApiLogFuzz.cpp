@@ -45,12 +45,12 @@ std::string cutAtZero(std::string& text) {
 }
 
 std::string expectedLine(const std::string& event, const std::string& name,
-                         const Service::Result& result, unsigned long number) {
+                         const Service::Result& result, int number) {
     const bool hasLines = name.find('\n') != std::string::npos;
     return event + " with input params: lipsyncSocketName=" +
            (hasLines ? "{\n" + name + "}\n" : name + ' ') +
            " with output params: number=" + std::to_string(number) +
-           "  with result: " + result.format();
+           " mark=m  with result: " + result.format();
 }
 
 } // namespace
@@ -62,14 +62,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     result << cutAtZero(input);
     const std::string event = cutAtZero(input);
 
+    const int number = -static_cast<int>(size);
+
     Records::count = 0;
     velta::zub::log::ApiLog<Logger>()
         .addInput("lipsyncSocketName", name)
-        .addOutput("number", size * 7919UL)
+        .addOutput("number", number)
+        .addOutput("mark", 'm')
         .setResult(result)
         .event(event);
     fuzz::check(Records::count == 1, "a call logs one line");
-    fuzz::check(Records::last == expectedLine(event, name, result, size * 7919UL),
+    fuzz::check(Records::last == expectedLine(event, name, result, number),
                 "the line is the expected one");
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "utilities/log/Level.h"
 #include "utilities/result/Digits.h"
@@ -10,7 +11,8 @@
 namespace velta::zub::log {
 
 /// Builds the log line of one API call: add the parameters and the result, then call `event`, which
-/// writes the line. Keep it on the stack of that call.
+/// writes the line. Keep it on the stack of that call. A parameter is text, a character or an
+/// integer; any other type does not compile.
 template <typename Logger>
 class ApiLog {
 public:
@@ -45,11 +47,18 @@ public:
     }
 
 private:
-    ApiLog& addParam(std::string_view name, unsigned long value, std::string& params) {
-        return addParam(name, utilities::result::Digits(value), params);
+    template <typename T>
+    ApiLog& addParam(std::string_view name, const T& value, std::string& params) {
+        if constexpr (std::is_same_v<T, char>) {
+            return addText(name, {&value, 1}, params);
+        } else if constexpr (std::is_integral_v<T>) {
+            return addText(name, utilities::result::Digits(value), params);
+        } else {
+            return addText(name, value, params);
+        }
     }
 
-    ApiLog& addParam(std::string_view name, std::string_view value, std::string& params) {
+    ApiLog& addText(std::string_view name, std::string_view value, std::string& params) {
         if (params.empty()) {
             params.reserve(usualLength);
         }

@@ -69,13 +69,14 @@ public:
             return *this;
         }
 
-        Stream& operator<<(char character) noexcept {
-            return *this << std::string_view(&character, 1);
-        }
-
+        /// A `char` is written as a character, any other integer in digits.
         template <typename Integer, std::enable_if_t<std::is_integral<Integer>::value, int> = 0>
         Stream& operator<<(Integer number) noexcept {
-            return *this << std::string_view(result::Digits(number));
+            if constexpr (std::is_same_v<Integer, char>) {
+                return *this << std::string_view(&number, 1);
+            } else {
+                return *this << std::string_view(result::Digits(number));
+            }
         }
 
         [[gnu::format(printf, 2, 3)]] void log(const char* format, ...) {
