@@ -75,6 +75,8 @@ TEST(CommsClient, ConnectsToTcpPortsModulo65536) {
 
     EXPECT_EQ(connectTcp("127.0.0.1", port),
               failure("Unable to connect to " + target, ECONNREFUSED));
+    tests::systemCalls = {Call::ParseAddress, 0, 1, EAFNOSUPPORT};
+    EXPECT_EQ(connectTcp("127.0.0.1", port), "Connection has failed (Code 20002): Bad server IP");
     tests::systemCalls = {Call::Socket, 0, 1, EMFILE};
     EXPECT_EQ(connectTcp("127.0.0.1", port),
               failure("Unable to create socket to " + target, EMFILE));

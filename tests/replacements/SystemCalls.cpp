@@ -3,6 +3,7 @@
 
 #include "tests/replacements/SystemCalls.h"
 
+#include <arpa/inet.h>
 #include <dlfcn.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -79,7 +80,13 @@ extern "C" int usleep(useconds_t microseconds) {
     return 0;
 }
 
-// Whether `socket` and `shutdown` are declared noexcept depends on the C library.
+// Whether these functions are declared noexcept depends on the C library.
+extern "C" int inet_pton(int family, const char* text,
+                         void* address) noexcept(noexcept(inet_pton(0, nullptr, nullptr))) {
+    static const auto function = hidden("inet_pton", inet_pton);
+    return mustFail(Call::ParseAddress) ? -1 : pass(function, family, text, address);
+}
+
 extern "C" int socket(int domain, int type, int protocol) noexcept(noexcept(socket(0, 0, 0))) {
     static const auto function = hidden("socket", socket);
     return mustFail(Call::Socket) ? -1 : pass(function, domain, type, protocol);

@@ -8,11 +8,12 @@
 
 namespace tests {
 
-/// The system calls that a connection uses.
-enum class Call { Socket, Connect, Write, Read, Shutdown, Close };
+/// The functions of the C library that a connection uses.
+enum class Call { ParseAddress, Socket, Connect, Write, Read, Shutdown, Close };
 
-/// Makes system calls of one thread fail. The test programs replace these functions. Only calls on
-/// sockets count, because the C library may use the same functions for its own files.
+/// Makes such calls of one thread fail. The test programs replace these functions. Calls on
+/// descriptors other than sockets do not count, because the C library may use the same functions
+/// for its own files.
 struct SystemCalls {
     Call failing = Call::Socket;
     int passing = 0;                        ///< How many such calls succeed first.
