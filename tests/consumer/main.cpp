@@ -4,6 +4,11 @@
 
 #include "comms/Client.h"
 #include "lipsyncapi/Service.h"
+#include "lipsyncapi/Version.h"
+
+#if ZUBLIPSYNCAPI_VERSION / 10000 != ZUBLIPSYNCAPI_VERSION_MAJOR
+#error "the number of the version does not begin with its first part"
+#endif
 
 int main(int argc, char** argv) {
     velta::zub::lipsyncapi::Service service;
