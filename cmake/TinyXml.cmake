@@ -28,6 +28,7 @@ if(TINYXML_SOURCE_DIR)
         ${TINYXML_BUILD_DIR}/tinyxmlparser.cpp)
     set_target_properties(tinyxml_static PROPERTIES
         POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    target_compile_options(tinyxml_static PRIVATE -fno-rtti)
     if(ZUBLIPSYNCAPI_SANITIZERS)
         target_compile_options(tinyxml_static PRIVATE
             -fsanitize=${ZUBLIPSYNCAPI_SANITIZERS} -fno-sanitize-recover=all -O1)
