@@ -69,8 +69,8 @@ public:
 
 private:
     int _fdLinkSocket;
-    // Written by `close` in one thread, read in another. Relaxed order is enough: `shutdown` is what
-    // wakes the other thread.
+    // Written by `close` in one thread, read in another. Relaxed order is enough: `shutdown` is
+    // what wakes the other thread.
     std::atomic<bool> _isClosed;
     static_assert(sizeof(std::atomic<bool>) == sizeof(bool), "the layout is part of the interface");
 };

@@ -3,7 +3,7 @@
 namespace velta::zub::common {
 
 static_assert(sizeof(unsigned long) == 8,
-               "the timestamps need 64 bits in an unsigned long: build for a 64-bit platform");
+              "the timestamps need 64 bits in an unsigned long: build for a 64-bit platform");
 
 /// The engine's timestamps for the audio that it plays. The library passes all four values on
 /// unchanged. Units and clocks are assumed; see docs/lip-sync.md to check: the times are NTP 32.32
