@@ -17,7 +17,7 @@ namespace velta::utilities::serializer {
 /// else is allowed, in particular no other white space.
 template <typename T>
 struct Convertor {
-    static_assert(std::is_integral<T>::value,
+    static_assert(std::is_integral<T>::value && !std::is_same<T, bool>::value,
                   "only for integers: other types need their own convertor");
 
     static bool toString(const T& value, std::string& text) {
