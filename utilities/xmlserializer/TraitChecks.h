@@ -13,118 +13,100 @@
 namespace velta::utilities::xmlserializer::detail {
 
 // These checks run before a trait is used, so that a mistake in it is one error in words and not
-// the many errors of the templates that use it.
+// the many errors of the templates that use it. They return whether the trait may be used. The last
+// overload of each is for records.
 
-template <typename Trait, typename = void>
-inline constexpr bool isRecord = false;
+/// Whether `Expression<Types...>` compiles. The first argument is void.
+template <typename, template <typename...> class Expression, typename... Types>
+inline constexpr bool isValid = false;
+template <template <typename...> class Expression, typename... Types>
+inline constexpr bool isValid<std::void_t<Expression<Types...>>, Expression, Types...> = true;
+
 template <typename Trait>
-inline constexpr bool isRecord<
-    Trait, std::void_t<typename Trait::Type, typename Trait::Children, decltype(Trait::tag)>> =
-    true;
-
-template <typename Trait, typename = void>
-inline constexpr bool hasTagAndInitialValue = false;
-template <typename Trait>
-inline constexpr bool hasTagAndInitialValue<
-    Trait, std::void_t<decltype(Trait::tag), decltype(Trait::initialValue())>> = true;
-
-template <typename T, typename Convertor, typename = void>
-inline constexpr bool hasToString = false;
+using RecordParts =
+    std::void_t<typename Trait::Type, typename Trait::Children, decltype(Trait::tag)>;
+template <typename Trait, typename Child>
+using Getter =
+    std::enable_if_t<std::is_invocable_r_v<typename Child::Trait::Type, decltype(Child::get),
+                                           const typename Trait::Type&>>;
+template <typename Trait, typename Child>
+using Setter =
+    std::void_t<std::enable_if_t<std::is_invocable_v<decltype(Child::set), typename Trait::Type&,
+                                                     const typename Child::Trait::Type&>>,
+                decltype(Child::Trait::tag), decltype(Child::Trait::initialValue())>;
 template <typename T, typename Convertor>
-inline constexpr bool hasToString<T, Convertor,
-                                  std::void_t<decltype(Convertor::toString(
-                                      std::declval<const T&>(), std::declval<std::string&>()))>> =
-    true;
-
-template <typename T, typename Convertor, typename = void>
-inline constexpr bool hasFromString = false;
+using ToString =
+    decltype(Convertor::toString(std::declval<const T&>(), std::declval<std::string&>()));
 template <typename T, typename Convertor>
-inline constexpr bool hasFromString<
-    T, Convertor,
-    std::void_t<decltype(Convertor::fromString(std::string_view(), std::declval<T&>()))>> = true;
-
-template <typename T, typename = void>
-inline constexpr bool hasAppend = std::is_integral_v<T> || std::is_enum_v<T>;
+using FromString = decltype(Convertor::fromString(std::string_view(), std::declval<T&>()));
 template <typename T>
-inline constexpr bool hasAppend<T, std::void_t<decltype(sizeof(result::Append<T>))>> = true;
-
-/// Does not compile if the trait cannot be written. This template is for records.
-template <typename Trait>
-struct WritingCheck {
-    static constexpr bool run() {
-        static_assert(isRecord<Trait>,
-                      "this trait cannot be written: a record's trait has Type, tag and Children");
-        if constexpr (isRecord<Trait>) {
-            return visitAll(typename Trait::Children{},
-                            [](auto child) { return runChild<decltype(child)>(); });
-        }
-        return false;
-    }
-
-private:
-    template <typename Child>
-    static constexpr bool runChild() {
-        using Type = typename Child::Trait::Type;
-        constexpr bool hasGetter =
-            std::is_invocable_r_v<Type, decltype(Child::get), const typename Trait::Type&>;
-        static_assert(hasGetter,
-                      "this trait cannot be written: a child's getter takes the record "
-                      "and returns the child's value");
-        return hasGetter && WritingCheck<typename Child::Trait>::run();
-    }
-};
+using Append = decltype(sizeof(result::Append<T>));
 
 template <typename T, typename Convertor>
-struct WritingCheck<serializer::TextTrait<T, Convertor>> {
-    static constexpr bool run() {
-        static_assert(hasToString<T, Convertor>,
-                      "this trait cannot be written: its convertor has no toString(value, text)");
-        static_assert(hasAppend<T>,
-                      "this trait cannot be written: its type has no Append, which "
-                      "puts a value that has no text into a failure");
-        return hasToString<T, Convertor> && hasAppend<T>;
-    }
-};
+constexpr bool checkWriting(serializer::TextTrait<T, Convertor>) {
+    constexpr bool hasToString = isValid<void, ToString, T, Convertor>;
+    static_assert(hasToString,
+                  "this trait cannot be written: its convertor has no toString(value, text)");
+    constexpr bool hasAppend =
+        std::is_integral_v<T> || std::is_enum_v<T> || isValid<void, Append, T>;
+    static_assert(hasAppend,
+                  "this trait cannot be written: its type has no Append, which puts a "
+                  "value that has no text into a failure");
+    return hasToString && hasAppend;
+}
 
 template <typename T, const char* const* name, bool emptyTextAllowed, typename Convertor>
-struct WritingCheck<serializer::NamedTextTrait<T, name, emptyTextAllowed, Convertor>>
-    : WritingCheck<serializer::TextTrait<T, Convertor>> {};
+constexpr bool checkWriting(
+    serializer::NamedTextTrait<T, name, emptyTextAllowed, Convertor> trait) {
+    return checkWriting(typename decltype(trait)::Text{});
+}
 
-/// Does not compile if the trait cannot be read. This template is for records.
 template <typename Trait>
-struct ReadingCheck {
-    static constexpr bool run() {
-        static_assert(isRecord<Trait>,
-                      "this trait cannot be read: a record's trait has Type, tag and Children");
-        if constexpr (isRecord<Trait>) {
-            return visitAll(typename Trait::Children{},
-                            [](auto child) { return runChild<decltype(child)>(); });
-        }
-        return false;
+constexpr bool checkWriting(Trait) {
+    constexpr bool isRecord = isValid<void, RecordParts, Trait>;
+    static_assert(isRecord,
+                  "this trait cannot be written: a record's trait has Type, tag and Children");
+    if constexpr (isRecord) {
+        return visitAll(typename Trait::Children{}, [](auto child) {
+            constexpr bool hasGetter = isValid<void, Getter, Trait, decltype(child)>;
+            static_assert(hasGetter,
+                          "this trait cannot be written: a child's getter takes the "
+                          "record and returns the child's value");
+            if constexpr (hasGetter) {
+                return checkWriting(typename decltype(child)::Trait{});
+            }
+            return false;
+        });
     }
-
-private:
-    template <typename Child>
-    static constexpr bool runChild() {
-        using ChildTrait = typename Child::Trait;
-        constexpr bool hasSetter = std::is_invocable_v<decltype(Child::set), typename Trait::Type&,
-                                                       const typename ChildTrait::Type&>;
-        static_assert(hasSetter,
-                      "this trait cannot be read: a child's setter takes the record and "
-                      "the child's value");
-        static_assert(hasTagAndInitialValue<ChildTrait>,
-                      "this trait cannot be read: a child's trait has a tag and initialValue()");
-        return hasSetter && hasTagAndInitialValue<ChildTrait> && ReadingCheck<ChildTrait>::run();
-    }
-};
+    return false;
+}
 
 template <typename T, const char* const* name, bool emptyTextAllowed, typename Convertor>
-struct ReadingCheck<serializer::NamedTextTrait<T, name, emptyTextAllowed, Convertor>> {
-    static constexpr bool run() {
-        static_assert(hasFromString<T, Convertor>,
-                      "this trait cannot be read: its convertor has no fromString(text, value)");
-        return hasFromString<T, Convertor>;
+constexpr bool checkReading(serializer::NamedTextTrait<T, name, emptyTextAllowed, Convertor>) {
+    constexpr bool hasFromString = isValid<void, FromString, T, Convertor>;
+    static_assert(hasFromString,
+                  "this trait cannot be read: its convertor has no fromString(text, value)");
+    return hasFromString;
+}
+
+template <typename Trait>
+constexpr bool checkReading(Trait) {
+    constexpr bool isRecord = isValid<void, RecordParts, Trait>;
+    static_assert(isRecord,
+                  "this trait cannot be read: a record's trait has Type, tag and Children");
+    if constexpr (isRecord) {
+        return visitAll(typename Trait::Children{}, [](auto child) {
+            constexpr bool hasSetter = isValid<void, Setter, Trait, decltype(child)>;
+            static_assert(hasSetter,
+                          "this trait cannot be read: a child's setter takes the record "
+                          "and the child's value, whose trait has a tag and initialValue()");
+            if constexpr (hasSetter) {
+                return checkReading(typename decltype(child)::Trait{});
+            }
+            return false;
+        });
     }
-};
+    return false;
+}
 
 } // namespace velta::utilities::xmlserializer::detail

@@ -42,7 +42,7 @@ public:
     template <typename Request>
     Result serialize(const Request& request, std::string& text) const {
         using Trait = typename detail::TraitOf<Traits, Request>::Head;
-        if constexpr (detail::WritingCheck<Trait>::run()) {
+        if constexpr (detail::checkWriting(Trait{})) {
             return write<Trait>(request, text);
         }
     }
@@ -51,7 +51,7 @@ public:
     template <typename Answer>
     Result deserialize(const std::string& text, Answer& answer) const {
         using Trait = typename detail::TraitOf<Traits, Answer>::Head;
-        if constexpr (detail::ReadingCheck<Trait>::run()) {
+        if constexpr (detail::checkReading(Trait{})) {
             return read<Trait>(text, answer);
         }
     }
