@@ -51,7 +51,7 @@ void appendValue(Result& failure, const T& value) {
     if constexpr (std::is_enum_v<T>) {
         appendValue(failure, static_cast<std::underlying_type_t<T>>(value));
     } else if constexpr (std::is_integral_v<T>) {
-        failure.message += result::Digits(value);
+        failure.message += result::Digits(+value); // A bool becomes an int.
     } else {
         failure << value;
     }
