@@ -14,7 +14,7 @@
 #include "tests/support/TemporaryDirectory.h"
 
 using tests::Call;
-using velta::zub::comms::Client;
+namespace comms = velta::zub::comms;
 using velta::zub::comms::Link;
 
 namespace {
@@ -29,7 +29,7 @@ template <typename Connect>
 std::string outcome(const Connect& connect) {
     const auto before = tests::openDescriptors();
     Link* link = reinterpret_cast<Link*>(1);
-    const Client::Result result = connect(link);
+    const comms::Client::Result result = connect(link);
     EXPECT_EQ(result.isSuccess(), link != nullptr);
     delete link;
     EXPECT_EQ(tests::openDescriptors(), before);
@@ -38,11 +38,13 @@ std::string outcome(const Connect& connect) {
 }
 
 std::string connectUnix(const std::string& path) {
-    return outcome([&](Link*& link) { return Client::connectUnixServer(path.c_str(), link); });
+    return outcome(
+        [&](Link*& link) { return comms::Client::connectUnixServer(path.c_str(), link); });
 }
 
 std::string connectTcp(const std::string& host, int port) {
-    return outcome([&](Link*& link) { return Client::connectTcpServer(host.c_str(), port, link); });
+    return outcome(
+        [&](Link*& link) { return comms::Client::connectTcpServer(host.c_str(), port, link); });
 }
 
 } // namespace

@@ -7,7 +7,7 @@ namespace azubsim {
 namespace {
 
 // No more requests are read from a client that has not read this many bytes of its answers.
-constexpr std::size_t maxUnsent = 65536;
+constexpr std::size_t maxUnsentAnswers = 65536;
 
 } // namespace
 
@@ -35,7 +35,7 @@ void EngineSession::received(std::string_view bytes) {
     while (_connection->isOpen() && _requests.add(bytes)) {
         reply(_simulator.answer(_client, _requests.take()));
     }
-    if (_connection->unsent() > maxUnsent) {
+    if (_connection->unsent() > maxUnsentAnswers) {
         _connection->pause();
     }
 }

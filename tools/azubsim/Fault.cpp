@@ -12,8 +12,6 @@ namespace azubsim {
 
 namespace {
 
-using Kind = Fault::Kind;
-
 constexpr int maxDelayMs = 3600000;
 constexpr int usualFloodBytes = 16777216;
 constexpr int maxFloodBytes = 268435456;

@@ -42,7 +42,7 @@ std::string iso8601(system_clock::time_point time) {
     return text;
 }
 
-double milliseconds(microseconds time) {
+double toMilliseconds(microseconds time) {
     return static_cast<double>(time.count()) / 1000;
 }
 
@@ -50,7 +50,7 @@ Json pieces(const Reply& reply) {
     Json list = Json::array();
     for (const Reply::Piece& piece : reply.pieces) {
         list.push_back(
-            {{"after_ms", milliseconds(std::min<microseconds>(piece.wait, Recorder::maxWait))},
+            {{"after_ms", toMilliseconds(std::min<microseconds>(piece.wait, Recorder::maxWait))},
              {"bytes", toCharacters(piece.bytes)}});
     }
     return list;
@@ -98,7 +98,7 @@ bool Recorder::add(const Exchange& exchange) {
     object["answer"] = pieces(exchange.reply);
     object["end"] = endName(exchange.reply.end);
     object["fault"] = toCharacters(exchange.fault);
-    object["engine_ms"] = milliseconds(exchange.engineTook);
+    object["engine_ms"] = toMilliseconds(exchange.engineTook);
     return _file.write(line(object));
 }
 

@@ -12,9 +12,9 @@ using std::chrono::duration_cast;
 using std::chrono::microseconds;
 
 constexpr int processId = 1;
-constexpr std::size_t maxText = 1000;
+constexpr std::size_t maxEventText = 1000;
 
-std::string line(const Json& event) {
+std::string eventLine(const Json& event) {
     return event.dump(-1, ' ', true, Json::error_handler_t::replace) + '\n';
 }
 
@@ -37,11 +37,11 @@ Json event(const char* phase, const std::string& name, const Exchange& exchange,
 }
 
 Json arguments(const Exchange& exchange, const Summary& summary) {
-    Json arguments = {{"request", exchange.request.substr(0, maxText)},
+    Json arguments = {{"request", exchange.request.substr(0, maxEventText)},
                       {"verdict", summary.verdict}};
     const auto addText = [&](const char* name, const std::string& text) {
         if (!text.empty()) {
-            arguments[name] = text.substr(0, maxText);
+            arguments[name] = text.substr(0, maxEventText);
         }
     };
     const auto addFigure = [&](const char* name, const auto& figure) {
@@ -73,7 +73,7 @@ std::string counters(const Exchange& exchange, const Summary& summary, microseco
         if (value) {
             Json counter = event("C", curve, exchange, time);
             counter["args"] = {{"ms", *value}};
-            lines += ',' + line(counter);
+            lines += ',' + eventLine(counter);
         }
     };
     add("audio latency", summary.latencyMs);
@@ -88,7 +88,7 @@ std::string mark(const Exchange& exchange, microseconds time) {
     }
     Json mark = event("i", exchange.fault, exchange, time);
     mark["s"] = "t"; // Only on the client's track.
-    return ',' + line(mark);
+    return ',' + eventLine(mark);
 }
 
 } // namespace
@@ -102,7 +102,7 @@ bool Trace::open(const std::string& path, bool force, std::string& error) {
         return false;
     }
     error = "the file cannot be written";
-    return _file.write("[\n" + line(name("process_name", 0, "azubsim")));
+    return _file.write("[\n" + eventLine(name("process_name", 0, "azubsim")));
 }
 
 bool Trace::add(const Exchange& exchange) {
@@ -114,7 +114,7 @@ bool Trace::add(const Exchange& exchange) {
     std::string lines;
     if (isNew) {
         const std::string client = "client " + std::to_string(exchange.client);
-        lines = ',' + line(name("thread_name", exchange.client, client));
+        lines = ',' + eventLine(name("thread_name", exchange.client, client));
     }
     // A client can send a request before it has the answer to the previous one, but slices of a
     // track must not overlap.
@@ -123,7 +123,7 @@ bool Trace::add(const Exchange& exchange) {
         std::max(start, time + std::max(exchange.replyTook(), exchange.engineTook));
     last->second = end;
     const Summary summary = summarize(exchange);
-    lines += ',' + line(slice(exchange, summary, start, end));
+    lines += ',' + eventLine(slice(exchange, summary, start, end));
     lines += counters(exchange, summary, end) + mark(exchange, start);
     return _file.write(lines);
 }

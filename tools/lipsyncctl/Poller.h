@@ -23,6 +23,9 @@ public:
         Failure failure;
     };
 
+    /// How long a loop waits for an event before it looks for a signal or a key.
+    static constexpr std::chrono::milliseconds patience{100};
+
     explicit Poller(const Options& options);
     ~Poller();
 

@@ -15,9 +15,6 @@ namespace lipsyncctl {
 
 namespace {
 
-// How often the loop looks for a signal or a key.
-constexpr std::chrono::milliseconds patience{100};
-
 // Whether standard output is a terminal on which a program can write anywhere.
 bool hasMovableCursor() {
     int error = 0;
@@ -31,7 +28,7 @@ bool hasMovableCursor() {
 
 // Passes on all events that have arrived, so that the view is not drawn for each of them.
 void update(LiveView& view, Poller& poller, const Options& options) {
-    auto event = poller.next(patience);
+    auto event = poller.next(Poller::patience);
     while (event && !options.isEnough(view.summary().readings())) {
         if (event->reading) {
             view.add(*event->reading);

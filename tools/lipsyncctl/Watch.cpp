@@ -16,9 +16,6 @@ namespace lipsyncctl {
 
 namespace {
 
-// How often the loops look for a signal or a key.
-constexpr std::chrono::milliseconds patience{100};
-
 std::string explained(const Failure& failure) {
     return (failure.isRefusal() ? "The engine refused the request: " : "Waiting for the engine: ") +
            failure.text;
@@ -29,7 +26,7 @@ void watchInLines(const Options& options, Output& output) {
     unsigned long readings = 0;
     std::string lastFailure;
     while (!isInterrupted() && !options.isEnough(readings) && std::cout.good()) {
-        const std::optional<Poller::Event> event = poller.next(patience);
+        const std::optional<Poller::Event> event = poller.next(Poller::patience);
         if (!event || isInterrupted()) {
             continue;
         }
