@@ -4,11 +4,6 @@ add_library(zublipsyncapi_options INTERFACE)
 target_compile_features(zublipsyncapi_options INTERFACE cxx_std_17)
 target_compile_options(zublipsyncapi_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror)
-if(CMAKE_UNITY_BUILD)
-    # It takes sources for headers, because a file that is made by CMake includes them.
-    target_compile_options(zublipsyncapi_options INTERFACE
-        $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
-endif()
 
 # A buffer overrun ends the process before it does other harm, and relocated data becomes read-only.
 # Sanitizers have their own, stricter checks. _FORTIFY_SOURCE needs optimisation.
