@@ -67,7 +67,10 @@ std::string Process::readUntil(const std::string& text) const {
             // Before the program starts, Android 7's linker warns of a flag that lld always sets.
             const std::string rest = readUntil("\n");
             const bool isFlag = rest.find(": unsupported flags DT_FLAGS_1=") != std::string::npos;
-            output = isFlag ? "" : output + rest;
+            output.append(rest);
+            if (isFlag) {
+                output.clear();
+            }
         }
     }
     return output;
