@@ -3,7 +3,7 @@
 
 include(CMakePackageConfigHelpers)
 
-install(TARGETS zublipsyncapi EXPORT zublipsyncapi
+install(TARGETS zublipsyncapi zublipsyncapi_avsync EXPORT zublipsyncapi
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime NAMELINK_COMPONENT development)
 
@@ -25,10 +25,12 @@ endforeach()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zublipsyncapi)
 install(EXPORT zublipsyncapi NAMESPACE zublipsyncapi:: DESTINATION ${package_dir}
-    FILE zublipsyncapi-config.cmake COMPONENT development)
+    FILE zublipsyncapi-targets.cmake COMPONENT development)
 write_basic_package_version_file(zublipsyncapi-config-version.cmake
     COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/zublipsyncapi-config-version.cmake
+install(FILES
+    cmake/zublipsyncapi-config.cmake
+    ${PROJECT_BINARY_DIR}/zublipsyncapi-config-version.cmake
     DESTINATION ${package_dir} COMPONENT development)
 
 install(DIRECTORY examples/video_pipeline

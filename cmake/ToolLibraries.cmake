@@ -34,7 +34,6 @@ if(ZUBLIPSYNCAPI_AZUBSIM)
 endif()
 
 if(ZUBLIPSYNCAPI_LIPSYNCCTL)
-    find_package(Threads REQUIRED)
     # Without ncurses there is no live view.
     set(CURSES_NEED_WIDE TRUE)
     find_package(Curses)
