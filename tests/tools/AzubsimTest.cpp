@@ -72,7 +72,8 @@ TEST_F(Azubsim, RefusesBadOptions) {
     // What would be ignored is refused.
     for (const char* const ignored :
          {"--every 2", "--timed", "--force", "--replay x --fault cut", "--replay x --no-call",
-          "--forward x --no-call", "--forward x --replay y"}) {
+          "--forward x --no-call", "--forward x --replay y", "--forward x --network y",
+          "--replay x --network y"}) {
         expectFailure(AZUBSIM, ignored + at, 2, "azubsim: --");
     }
     expectFailure(AZUBSIM, "--socket " + longPath, 1,

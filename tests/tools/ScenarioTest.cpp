@@ -69,7 +69,7 @@ TEST_F(Scenario, TimestampsStandStillWhileTheyAreFrozen) {
     engine.setJitter(milliseconds(0));
     engine.freeze(start);
     const Timestamps frozen = timestamps(engine, start);
-    engine.setMargin(100);
+    engine.setMargin(100, start);
     engine.setNetwork(milliseconds(500));
     engine.freeze(start + seconds(1));
     const Timestamps later = timestamps(engine, start + seconds(2));
@@ -80,6 +80,31 @@ TEST_F(Scenario, TimestampsStandStillWhileTheyAreFrozen) {
     const Timestamps thawed = timestamps(engine, start + seconds(2));
     EXPECT_EQ(thawed.receiving - frozen.receiving, 2ULL << 32);
     EXPECT_NEAR(static_cast<double>(thawed.rendering - thawed.receiving), 110 * unitsPerMs, 1);
+}
+
+TEST_F(Scenario, AMarginIsAppliedAtTheRateOfTheSlew) {
+    AudioEngine engine;
+    engine.setJitter(milliseconds(0));
+    const auto expectMargin = [&](double marginMs, milliseconds after) {
+        const Timestamps result = timestamps(engine, start + after);
+        EXPECT_NEAR(static_cast<double>(result.rendering - result.receiving) / unitsPerMs,
+                    10 + marginMs, 1e-3);
+    };
+    engine.setSlew(20, start);
+    engine.setMargin(60, start);
+    expectMargin(0, milliseconds(0));
+    expectMargin(20, seconds(1));
+    engine.setMargin(0, start + seconds(2));
+    expectMargin(30, milliseconds(2500));
+    engine.setSlew(10, start + milliseconds(2500));
+    expectMargin(25, seconds(3));
+    expectMargin(0, seconds(60));
+    engine.setMargin(100, start + seconds(60));
+    engine.setSlew(0, start + seconds(60));
+    expectMargin(100, seconds(60));
+    engine.setSlew(20, start + seconds(61));
+    engine.resetMargin();
+    expectMargin(0, seconds(61));
 }
 
 TEST_F(Scenario, TimestampsDoNotWrapBelowZero) {
@@ -98,11 +123,12 @@ TEST_F(Scenario, StatusShowsWhatCommandsChanged) {
     };
     const std::string atFirst = replyTo("");
     EXPECT_EQ(replyTo("call off\nnetwork 90\njitter 30\n offset  -2000 \nfreeze on\nfault cut\n"
-                      "every 3\nseed 7\ndrift 1.5\ndrift -0\ndrift 100000.1\n"),
-              "call off\nnetwork 90 ms\njitter 30 ms\noffset -2000 ms\ndrift 0 ppm\nfreeze on\n"
+                      "every 3\nseed 7\ndrift 1.5\ndrift -0\ndrift 100000.1\nslew 20\nslew -1\n"),
+              "call off\nnetwork 90 ms\njitter 30 ms\nslew 20 ms/s\noffset -2000 ms\ndrift 0 "
+              "ppm\nfreeze on\n"
               "clients 0\nfault cut\nevery 3\nseed 7\nverbose off\n");
     EXPECT_EQ(replyTo("call on\nnetwork 60\njitter auto\noffset 0\nfreeze off\nfault none\n"
-                      "every 1\nseed none\n"),
+                      "slew 0\nevery 1\nseed none\n"),
               atFirst);
 }
 

@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
+
+#include "tools/azubsim/Network.h"
 
 namespace azubsim {
 
@@ -33,13 +36,19 @@ public:
     bool isInCall() const { return _inCall; }
     void setInCall(bool inCall) { _inCall = inCall; }
 
+    /// Follows a recorded network, which must have rows, until `setNetwork` or `setJitter`. Its
+    /// time begins with the first `startNetwork`.
+    void follow(Network network) { _recorded = std::move(network); }
+    void startNetwork(Clock::time_point now) { _networkStart = _networkStart.value_or(now); }
+    bool isFollowing() const { return _recorded.has_value(); }
+
     /// The one-way delay from the far end to here.
     Ms network() const { return _network; }
-    void setNetwork(Ms delay) { _network = delay; }
+    void setNetwork(Ms delay);
 
     /// The depth of the jitter buffer. Without a value it varies between 20 and 120 ms.
     std::optional<Ms> jitter() const { return _jitter; }
-    void setJitter(std::optional<Ms> depth) { _jitter = depth; }
+    void setJitter(std::optional<Ms> depth);
 
     /// How far the far end's clock, which gives the capture timestamps, is ahead at this time, in
     /// ms. Setting it discards what a drift has added; the drift continues from the new offset.
@@ -61,19 +70,39 @@ public:
     Verdict timestamps(Clock::time_point now, Timestamps& timestamps) const;
 
     /// Accepts multiples of 20 ms up to 100 ms.
-    Verdict setMargin(std::uint64_t marginMs);
+    Verdict setMargin(std::uint64_t marginMs, Clock::time_point now);
     Ms margin() const { return _margin; }
 
+    /// How fast a new margin is applied, in ms per second; 0 means at once.
+    double slew() const { return _slew; }
+    void setSlew(double msPerSecond, Clock::time_point now);
+
     /// An engine that has been away comes back without a margin.
-    void resetMargin() { _margin = Ms(0); }
+    void resetMargin();
 
 private:
+    using DecimalMs = std::chrono::duration<double, std::milli>;
+
+    /// How a packet gets from the far end to the loudspeaker.
+    struct Path {
+        DecimalMs travel;
+        DecimalMs depth;
+        DecimalMs wait; ///< From arrival to rendering without a margin.
+    };
+
     Timestamps measure(Clock::time_point now) const;
+    Path path(Clock::time_point received) const;
+    double appliedMarginMs(Clock::time_point now) const;
 
     bool _inCall = true;
     Ms _margin{0};
+    double _slew = 0;
+    double _appliedMs = 0; ///< Of the margin, at `_marginSet`.
+    Clock::time_point _marginSet;
     Ms _network{60};
     std::optional<Ms> _jitter;
+    std::optional<Network> _recorded;
+    std::optional<Clock::time_point> _networkStart;
     double _offsetMs = 0; ///< At `_offsetSet`.
     double _driftPpm = 0;
     Clock::time_point _offsetSet;

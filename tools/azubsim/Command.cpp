@@ -35,6 +35,10 @@ void setJitter(const Controls& controls, const Value& value) {
     controls.engine.setJitter(value.isWord ? std::nullopt : std::optional(toMs(value.number)));
 }
 
+void setSlew(const Controls& controls, const Value& value) {
+    controls.engine.setSlew(value.number, Clock::now());
+}
+
 void setOffset(const Controls& controls, const Value& value) {
     controls.engine.setOffsetMs(value.number, Clock::now());
 }
@@ -81,10 +85,12 @@ const std::vector<Command>& Command::all() {
     static const std::vector<Command> commands{
         {"call", "on|off", "start or end the call; outside it, answer error 1003",
          Needs::Simulation, Kind::Switch, 0, 0, "", setCall},
-        {"network", "MS", "set the one-way delay of the network; at first 60", Needs::Simulation,
-         Kind::WholeNumber, 0, 10000, " ms", setNetwork},
-        {"jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary",
+        {"network", "MS", "set the one-way delay of the network; at first 60; ends --network",
+         Needs::Simulation, Kind::WholeNumber, 0, 10000, " ms", setNetwork},
+        {"jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary; ends --network",
          Needs::Simulation, Kind::WholeNumber, 0, 10000, " ms", setJitter},
+        {"slew", "MS_PER_S", "apply a new margin at this rate; 0, at once", Needs::Simulation,
+         Kind::Number, 0, 10000, " ms/s", setSlew},
         {"offset", "MS", "set the far end's clock ahead; below 0, back", Needs::Simulation,
          Kind::WholeNumber, -largestOffsetMs, largestOffsetMs, " ms", setOffset},
         {"drift", "PPM", "make the far end's clock run fast; below 0, slow", Needs::Simulation,

@@ -87,8 +87,14 @@ std::string Commands::engineStatus() const {
     const double offset = std::round(engine.offsetMs(AudioEngine::Clock::now()) * 10) / 10 + 0.0;
     std::ostringstream text;
     text << "margin " << engine.margin().count() << " ms\n"
-         << "call " << onOff(engine.isInCall()) << "network " << engine.network().count() << " ms\n"
-         << "jitter " << (jitter ? std::to_string(jitter->count()) + " ms" : "auto") << '\n'
+         << "call " << onOff(engine.isInCall());
+    if (engine.isFollowing()) {
+        text << "network from a file\n";
+    } else {
+        text << "network " << engine.network().count() << " ms\n"
+             << "jitter " << (jitter ? std::to_string(jitter->count()) + " ms" : "auto") << '\n';
+    }
+    text << "slew " << formatDecimal(engine.slew()) << " ms/s\n"
          << "offset " << formatDecimal(offset) << " ms\n"
          << "drift " << formatDecimal(engine.driftPpm()) << " ppm\n"
          << "freeze " << onOff(engine.isFrozen());

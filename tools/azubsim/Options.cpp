@@ -53,7 +53,8 @@ void declareFiles(CLI::App& app, Options& options) {
 // An empty path usually comes from a shell variable that is not set. It must not turn a tap into a
 // simulation.
 void refuseEmptyPaths(CLI::App& app) {
-    for (const char* const name : {"--scenario", "--record", "--trace", "--forward", "--replay"}) {
+    for (const char* const name :
+         {"--network", "--scenario", "--record", "--trace", "--forward", "--replay"}) {
         app.get_option(name)->check([](const std::string& path) {
             return std::string(path.empty() ? "the path is empty" : "");
         });
@@ -64,18 +65,26 @@ void refuseEmptyPaths(CLI::App& app) {
 void declareSources(CLI::App& app, Options& options) {
     CLI::Option* const noCall = app.add_flag(
         "--no-call", options.noCall, "Start outside a call: every request gets error code 1003");
+    CLI::Option* const network =
+        app.add_option(
+               "--network", options.networkFile,
+               "Follow a recorded network: the latency and the jitter buffer's depth of this "
+               "CSV file, by the time since the first client connected, again and again")
+            ->type_name("FILE");
     CLI::Option* const forward =
         app.add_option("--forward", options.engine,
                        "Be a tap: pass everything to the engine at this path and back, and print a "
                        "line per exchange")
             ->type_name("ENGINE")
-            ->excludes(noCall);
+            ->excludes(noCall)
+            ->excludes(network);
     CLI::Option* const replay =
         app.add_option("--replay", options.replayFile,
                        "Send the answers of a recording in order and ignore the requests. After "
                        "the last one, close the connection on each request")
             ->type_name("FILE")
             ->excludes(noCall)
+            ->excludes(network)
             ->excludes(forward);
     for (const char* const name : {"--fault", "--every", "--seed", "--record"}) {
         replay->excludes(app.get_option(name));

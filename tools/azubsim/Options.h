@@ -17,6 +17,7 @@ struct Options {
     std::string socket;
     std::string engine; ///< The socket of the engine behind a tap; empty to simulate the engine.
     bool noCall = false;
+    std::string networkFile;
     std::vector<std::string> faultTexts;
     std::vector<Fault> faults; ///< Parsed from `faultTexts`.
     unsigned int every = 1;

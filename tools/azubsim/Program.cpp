@@ -53,6 +53,7 @@ std::shared_ptr<Session> Program::newSession(Connection::Socket socket, int clie
     if (source() == Source::Tap) {
         return _tap.newSession(std::move(socket), client);
     }
+    _engine.startNetwork(AudioEngine::Clock::now());
     return std::make_shared<EngineSession>(std::move(socket), client, _simulator);
 }
 
@@ -88,6 +89,14 @@ bool Program::open() {
         !_scenario.open(_options.scenarioFile, _commands, error)) {
         _screen.warn(error);
         return false;
+    }
+    if (!_options.networkFile.empty()) {
+        Network network;
+        if (!network.open(_options.networkFile, error)) {
+            _screen.warn(error);
+            return false;
+        }
+        _engine.follow(std::move(network));
     }
     if (source() == Source::Tap && !_tap.open(error)) {
         return fail("cannot connect to " + _options.engine, error);

@@ -42,13 +42,14 @@ Reply Simulator::answerAsEngine(const std::string& text, const std::optional<Fau
 }
 
 std::string Simulator::carryOut(const Request& request) {
+    const auto now = AudioEngine::Clock::now();
     switch (request.command) {
         case Request::Command::GetAudioTs: break;
         case Request::Command::SetAudioDelay:
-            return delayAnswer(_engine.setMargin(request.delayMs));
+            return delayAnswer(_engine.setMargin(request.delayMs, now));
     }
     Timestamps timestamps;
-    const Verdict verdict = _engine.timestamps(AudioEngine::Clock::now(), timestamps);
+    const Verdict verdict = _engine.timestamps(now, timestamps);
     return timestampsAnswer(timestamps, verdict);
 }
 

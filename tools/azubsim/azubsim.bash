@@ -9,7 +9,7 @@ _azubsim() {
         prev=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     case $prev in
-        --socket | --forward | --record | --replay | --trace | --scenario)
+        --socket | --forward | --record | --replay | --trace | --scenario | --network)
             # The function of the package bash-completion also handles "~" and quotes.
             if declare -F _filedir >/dev/null; then
                 _filedir
@@ -25,7 +25,7 @@ _azubsim() {
             ;;
         --every | --seed) words= ;;
         *)
-            words='--help --version --socket --no-call --fault --every --seed --forward --record
+            words='--help --version --socket --no-call --network --fault --every --seed --forward --record
                 --replay --timed --force --trace --scenario --verbose'
             ;;
     esac
