@@ -30,8 +30,9 @@ namespace velta::zub::avsync {
 /// - The engine refuses to give timestamps: asks again, after pauses that grow to a second.
 /// - The engine refuses a margin: keeps the old one and steers the pictures alone. Tries again
 ///   after five seconds.
-/// - The timestamps do not change, or were received over a second later than usual: waits for
-///   better ones. The clocks of engine and device need not agree.
+/// - The timestamps do not change, as in a pause of the sound, or are over a second older than
+///   usual: waits for better ones. The clocks of engine and device need not agree. If new ones come
+///   that are old for three seconds, then each answers an earlier request, and it connects again.
 /// - No picture for a second: reads, but changes nothing.
 /// - No memory: connects again, as after a broken connection.
 ///

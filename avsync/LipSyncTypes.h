@@ -26,7 +26,7 @@ struct LipSyncStatus {
 
     unsigned long marginMs = 0; ///< The last one that the engine has confirmed.
     double pictureDelayMs = 0;  ///< What `LipSync::pictureDelayMs` returns.
-    bool isSteered = false;     ///< The last reading was usable and there was a picture for it.
+    bool isSteered = false;     ///< There are usable readings, and pictures for them.
 
     // Since the construction.
     unsigned long readings = 0;      ///< The usable ones.

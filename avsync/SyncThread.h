@@ -8,11 +8,11 @@
 #include <string>
 #include <utility>
 
-#include "avsync/Controller.h"
 #include "avsync/Engine.h"
 #include "avsync/Freshness.h"
 #include "avsync/LipSyncTypes.h"
 #include "avsync/Ntp.h"
+#include "avsync/Steering.h"
 #include "avsync/SyncState.h"
 
 namespace velta::zub::avsync::details {
@@ -46,7 +46,6 @@ private:
     using Time = Clock::time_point;
     using Duration = Clock::duration;
     using Milliseconds = std::chrono::milliseconds;
-    using Service = lipsyncapi::Service;
     using Answer = Engine::Answer;
 
     static constexpr Milliseconds shortest{1};
@@ -54,8 +53,8 @@ private:
     static constexpr Milliseconds longestPause{2000};
     static constexpr Milliseconds longestRefusalPause{1000};
     static constexpr Milliseconds callPause{1000};
-    static constexpr std::chrono::seconds marginPause{5};
-    static constexpr std::chrono::seconds longestWithoutPicture{1};
+    static constexpr std::chrono::seconds longestGap{1}; // Without a picture or a reading.
+    static constexpr double toleranceMs = 5;             // Pictures are held back almost as asked.
 
     // In this thread only: writing to an engine that has gone must not kill the process.
     static void blockSigpipe() {
@@ -89,10 +88,9 @@ private:
 
     // Connects if necessary and takes a reading. Returns the pause until the next step.
     Duration step() {
-        _status.isSteered = false;
         const Duration pause = read();
         if (_status.message.empty()) {
-            _status.message = _refusal;
+            _status.message = _steering.refusal();
         }
         _state.publish(_status, _options.onReading);
         return pause;
@@ -105,7 +103,7 @@ private:
             }
             restart();
         }
-        if (_isInCall && !_isMarginSet && Clock::now() >= _marginRetry) {
+        if (_isInCall && !_isMarginSet && _steering.maySetMargin(Clock::now())) {
             const Answer answer = setMargin(_status.marginMs);
             if (answer != Answer::Success && answer != Answer::Refused) {
                 return pauseAfter(answer);
@@ -127,20 +125,18 @@ private:
     // For a new connection or a new call. The next answer tells whether there is a call.
     void restart() {
         _status.isConnected = true;
-        _status.message.clear();
+        suspend("");
         _isInCall = true;
         _isMarginSet = false;
-        _marginRetry = Time();
-        _refusal.clear();
         _freshness.restart();
-        useMargins(true);
+        _steering.restart();
     }
 
     Duration pauseAfter(Answer answer) {
         if (answer == Answer::None) {
             return reconnect(_engine.message());
         }
-        _status.message = _engine.message();
+        suspend(_engine.message());
         _isInCall = _isInCall && answer != Answer::NotInCall;
         if (answer == Answer::Refused) {
             return std::exchange(_refusalPause, std::min(2 * _refusalPause, longestRefusalPause));
@@ -151,8 +147,8 @@ private:
     template <typename Text>
     Duration reconnect(const Text& reason) {
         _engine.disconnect();
-        _status.isConnected = _status.isSteered = false;
-        _status.message = reason;
+        _status.isConnected = false;
+        suspend(reason);
         return std::exchange(_reconnectPause, std::min(2 * _reconnectPause, longestPause));
     }
 
@@ -161,40 +157,37 @@ private:
         if (answer == Answer::Success) {
             _status.marginMs = ms;
             _isMarginSet = true;
-            _refusal.clear();
+            _steering.acceptMargin();
         } else if (answer == Answer::Refused) {
-            _marginRetry = Clock::now() + marginPause;
-            _refusal = _engine.message();
-            useMargins(false);
+            _steering.refuseMargin(Clock::now(), _engine.message());
         }
         return answer;
     }
 
-    // Without margins, the one in force counts as a part of the sound's latency.
-    void useMargins(bool areUsed) {
-        _usesMargins = areUsed;
-        _controller = makeController(areUsed);
-    }
-
-    static Controller makeController(bool usesMargins) {
-        return {Service::capabilityGranularityMs,
-                usesMargins ? Service::capabilityMaxAudioDelayMargin : 0};
-    }
-
     Duration use(const Engine::Timestamps& audio) {
         const Time now = Clock::now();
-        switch (_freshness.judge(now, audio)) {
-            case Freshness::Verdict::Fresh: return use(now, audio);
-            case Freshness::Verdict::Frozen:
-                _status.message = "The timestamps do not change";
-                break;
-            case Freshness::Verdict::Stale: _status.message = "The timestamps are old"; break;
-            case Freshness::Verdict::Lagging: return reconnect("The engine's answers are late");
+        const Freshness::Verdict verdict = _freshness.judge(now, audio);
+        if (verdict == Freshness::Verdict::Fresh) {
+            return steer(now, audio);
+        }
+        if (verdict == Freshness::Verdict::Lagging) {
+            return reconnect("The engine's answers are late");
+        }
+        // An engine may have new timestamps less often than they are read.
+        if (now - _status.read > longestGap) {
+            const bool isFrozen = verdict == Freshness::Verdict::Frozen;
+            suspend(isFrozen ? "The timestamps do not change" : "The timestamps are old");
         }
         return _options.interval;
     }
 
-    Duration use(Time now, const Engine::Timestamps& audio) {
+    template <typename Text>
+    void suspend(const Text& reason) {
+        _status.isSteered = false;
+        _status.message = reason;
+    }
+
+    Duration steer(Time now, const Engine::Timestamps& audio) {
         _reconnectPause = shortestPause;
         _status.message.clear();
         ++_status.readings;
@@ -203,27 +196,16 @@ private:
             ntpMsBetween(audio.audioCaptureTimestamp, audio.audioRenderingTimestamp);
         _status.depthMs = static_cast<double>(audio.jbmCurrentDepth);
         const auto picture = _state.picture();
-        if (!picture || now - picture->told > longestWithoutPicture) {
-            _status.message = "No picture in the last second";
+        if (!picture || now - picture->told > longestGap) {
+            suspend("No picture in the last second");
             return _options.interval;
         }
         _status.isSteered = true;
         _status.pictureLatencyMs = picture->latencyMs;
         _status.skewMs = _status.audioLatencyMs - picture->latencyMs;
-        return apply(wanted(now, picture->heldBackMs));
-    }
-
-    Correction wanted(Time now, double heldBackMs) {
-        if (!_usesMargins && now >= _marginRetry) {
-            useMargins(true);
-        }
-        const Reading reading{_status.audioLatencyMs, _status.pictureLatencyMs, _status.depthMs};
-        const unsigned long marginMs = _usesMargins ? _status.marginMs : 0;
-        Correction correction = _controller.update(now, reading, {marginMs, heldBackMs});
-        if (!_usesMargins) {
-            correction.marginMs = _status.marginMs;
-        }
-        return correction;
+        return apply(_steering.update(
+            now, {_status.audioLatencyMs, _status.pictureLatencyMs, _status.depthMs},
+            {_status.marginMs, picture->heldBackMs}));
     }
 
     // The pictures wait until the engine has confirmed the margin: both belong together.
@@ -235,7 +217,8 @@ private:
                 return answer == Answer::Refused ? _options.interval : pauseAfter(answer);
             }
         }
-        const bool isSeen = std::abs(correction.pictureDelayMs - _status.pictureDelayMs) > 0.5;
+        const bool isSeen =
+            std::abs(correction.pictureDelayMs - _status.pictureDelayMs) >= toleranceMs;
         if (isSeen) {
             _status.pictureDelayMs = correction.pictureDelayMs;
             _state.setPictureDelay(correction.pictureDelayMs);
@@ -255,14 +238,11 @@ private:
     const LipSyncOptions _options;
     SyncState _state;
     Engine _engine;
-    Controller _controller = makeController(true);
-    bool _usesMargins = true;
     Freshness _freshness;
+    Steering _steering;
     LipSyncStatus _status;
-    std::string _refusal; // Of the margin; empty if it was not refused.
     bool _isInCall = true;
     bool _isMarginSet = false; // On this connection and in this call.
-    Time _marginRetry;
     Milliseconds _reconnectPause = shortestPause;
     Milliseconds _refusalPause = shortestPause;
 };
