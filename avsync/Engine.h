@@ -66,7 +66,7 @@ private:
     template <typename Call>
     Answer exchange(const Call& call) {
         const auto limit = _state.limit();
-        const std::unique_lock<std::timed_mutex> lock(exchangeLock(), limit);
+        const std::unique_lock<ExchangeMutex> lock(exchangeLock(), limit);
         if (!lock.owns_lock() || limit <= std::chrono::steady_clock::now()) {
             _message = "An exchange with another engine takes too long";
             return Answer::Busy;
