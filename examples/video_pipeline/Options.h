@@ -8,7 +8,8 @@ namespace video {
 
 struct Options {
     std::string socket = velta::zub::lipsyncapi::Service::defaultLipsyncSocketName;
-    std::string csv; ///< A file; empty for none.
+    std::string network; ///< A file; empty for none.
+    std::string csv;     ///< A file; empty for none.
     long seconds = 10;
     long deadlineMs = 500;
     long latenessMs = 195;

@@ -5,18 +5,20 @@
 #include <random>
 #include <thread>
 
-#include "Ntp.h"
+#include "Network.h"
+#include "Options.h"
+#include "avsync/Ntp.h"
 
 namespace video {
 
 /// One picture on the screen.
 struct Picture {
-    std::chrono::steady_clock::time_point due;
+    double seconds;         ///< Since the start.
     std::uint64_t captured; ///< At the far end, but on this machine's clock; NTP 32.32.
     std::uint64_t shown;    ///< Here; NTP 32.32.
     double delayMs;         ///< How long it was held back.
 
-    double latenessMs() const { return ntpMsBetween(captured, shown); }
+    double latenessMs() const { return velta::zub::avsync::ntpMsBetween(captured, shown); }
 };
 
 /// Simulated pictures of a call, 30 per second. Network, decoder and display make them late.
@@ -25,25 +27,34 @@ struct Picture {
 /// as the sound's, the sender's: then nothing is to be done when the clocks of the two ends differ.
 class Pictures {
 public:
-    Pictures(std::chrono::steady_clock::time_point start, double latenessMs)
-        : _due(start - frameLength / 2), _lateness(latenessMs - 3, latenessMs + 3) {}
+    /// The network, if there is one, must outlive this.
+    Pictures(double latenessMs, const Network* network)
+        : _latenessMs(latenessMs), _network(network) {}
 
     /// Blocks until the next picture is on the screen, held back by `delayMs`.
     Picture next(double delayMs) {
+        using namespace velta::zub::avsync;
         // After a stall, skip the missed pictures.
         do {
             _due += frameLength;
-        } while (_due + frameLength < std::chrono::steady_clock::now());
+        } while (_due + frameLength < Clock::now());
         std::this_thread::sleep_until(_due);
-        const std::uint64_t shown = ntpNow();
-        return {_due, ntpAddMs(shown, -_lateness(_random) - delayMs), shown, delayMs};
+        const double seconds = std::chrono::duration<double>(_due - _start).count();
+        const double latenessMs =
+            _network != nullptr ? _network->pictureMs(seconds) : _latenessMs + _noise(_random);
+        const std::uint64_t shown = ntpAt(_due);
+        return {seconds, ntpAddMs(shown, -latenessMs - delayMs), shown, delayMs};
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
     static constexpr std::chrono::nanoseconds frameLength{1000000000 / 30};
 
-    std::chrono::steady_clock::time_point _due;
-    std::uniform_real_distribution<double> _lateness;
+    const Clock::time_point _start = Clock::now();
+    Clock::time_point _due = _start - frameLength / 2;
+    double _latenessMs;
+    const Network* _network;
+    std::uniform_real_distribution<double> _noise{-3, 3};
     std::mt19937 _random{1};
 };
 

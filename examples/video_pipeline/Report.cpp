@@ -1,16 +1,37 @@
 #include "Report.h"
 
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
 namespace video {
 
 namespace {
 
-const char* position(const Skew& skew, const Window& window) {
-    return skew.isInside(window) ? "inside" : "OUTSIDE";
+using velta::zub::avsync::allowedSkew;
+using velta::zub::avsync::undetectedSkew;
+
+bool isUsable(const Report::Status& status) {
+    return status.readings > 0 &&
+           std::chrono::steady_clock::now() - status.read < std::chrono::seconds(1);
 }
 
 } // namespace
 
-Report::Report(Reading::Clock::time_point start, std::FILE* csv) : _start(start), _csv(csv) {
+void Skews::add(const Picture& picture, double delayedAudio, double margin) {
+    const double skew = delayedAudio - picture.latenessMs();
+    smallest = count == 0 ? skew : std::min(smallest, skew);
+    largest = count == 0 ? skew : std::max(largest, skew);
+    pictureMs += picture.latenessMs() - picture.delayMs;
+    audioMs += delayedAudio - margin;
+    delayedPictureMs += picture.latenessMs();
+    delayedAudioMs += delayedAudio;
+    allowed += allowedSkew.contains(skew) ? 1 : 0;
+    undetected += undetectedSkew.contains(skew) ? 1 : 0;
+    ++count;
+}
+
+Report::Report(std::string socket, std::FILE* csv) : _socket(std::move(socket)), _csv(csv) {
     if (_csv != nullptr) {
         std::fputs(
             "time_s,picture_ms,picture_delay_ms,audio_ms,audio_without_margin_ms,margin_ms,"
@@ -18,84 +39,92 @@ Report::Report(Reading::Clock::time_point start, std::FILE* csv) : _start(start)
             _csv);
     }
     std::printf(
-        "       pictures    lateness, ms      delay, ms         skew, ms (audio late: +)\n"
-        "   s   a second   picture   audio   picture audio   without    with    from      to\n");
+        "       pictures    lateness, ms      delay, ms         skew, ms (audio late: +)        "
+        "margin\n"
+        "   s   a second   picture   audio   picture audio   without    with    from      to   "
+        "changes\n");
     std::fflush(stdout);
 }
 
-void Report::add(const Picture& picture, const std::optional<Reading>& reading) {
-    const bool isUsable = reading && reading->isUsable(Reading::Clock::now());
-    if (isUsable) {
-        _row.add(picture.latenessMs(), reading->audioLatenessMs());
-        _undelayed.add(picture.latenessMs() - picture.delayMs, reading->latenessWithoutMarginMs());
-        if (reading->isSteered) {
-            _steered.add(picture.latenessMs(), reading->audioLatenessMs());
+void Report::add(const Picture& picture, const Status& status) {
+    if (status.read != _status.read) {
+        _marginMs = _status.marginMs;
+    }
+    _status = status;
+    printState();
+    if (picture.seconds >= static_cast<double>(_second + 1)) {
+        printRow();
+    }
+    const double skew = status.audioLatencyMs - picture.latenessMs();
+    _isSettled = status.isSteered && (_isSettled || allowedSkew.contains(skew));
+    if (isUsable(status)) {
+        _row.add(picture, status.audioLatencyMs, static_cast<double>(_marginMs));
+        if (_isSettled) {
+            _steered.add(picture, status.audioLatencyMs, static_cast<double>(_marginMs));
         }
     }
     if (_csv != nullptr) {
-        write(picture, isUsable ? &*reading : nullptr);
+        write(picture, isUsable(status));
     }
     ++_shown;
-    _picture = picture;
-    _reading = reading;
+    _delayMs = picture.delayMs;
+}
+
+void Report::printState() {
+    const std::string state = _status.isConnected ? "Connected to " + _socket
+                                                  : "Waiting for the engine: " + _status.message;
+    if (state != _state && _status.message != Status().message) {
+        std::printf("%s\n", state.c_str());
+        std::fflush(stdout);
+        _state = state;
+    }
 }
 
 // Without a usable reading the audio's columns are empty.
-void Report::write(const Picture& picture, const Reading* usable) const {
-    const std::chrono::duration<double> time = picture.due - _start;
-    std::fprintf(_csv, "%.3f,%.1f,%.1f,", time.count(), picture.latenessMs(), picture.delayMs);
-    if (usable != nullptr) {
-        std::fprintf(_csv, "%.1f,%.1f,%lu,%lu\n", usable->audioLatenessMs(),
-                     usable->latenessWithoutMarginMs(), usable->marginMs,
-                     usable->audio.jbmCurrentDepth);
+void Report::write(const Picture& picture, bool isUsable) const {
+    std::fprintf(_csv, "%.3f,%.1f,%.1f,", picture.seconds, picture.latenessMs(), picture.delayMs);
+    if (isUsable) {
+        std::fprintf(_csv, "%.1f,%.1f,%lu,%.0f\n", _status.audioLatencyMs,
+                     _status.audioLatencyMs - static_cast<double>(_marginMs), _marginMs,
+                     _status.depthMs);
     } else {
         std::fputs(",,,\n", _csv);
     }
 }
 
-void Report::printRow(long second) {
-    std::printf("%4ld %10zu", second, _shown);
-    if (_row.count() > 0) {
-        std::printf(" %9.1f %7.1f %9.0f %5lu %9.1f %7.1f %7.1f %7.1f", _row.pictureLateness(),
-                    _row.audioLateness(), _picture->delayMs, _reading->marginMs, _undelayed.mean(),
-                    _row.mean(), _row.smallest(), _row.largest());
-    } else if (_picture) {
-        std::printf(" %9.1f", _picture->latenessMs());
+void Report::printRow() {
+    std::printf("%4ld %10zu", ++_second, _shown);
+    if (_row.count > 0) {
+        std::printf(" %9.1f %7.1f %9.0f %5lu %9.1f %7.1f %7.1f %7.1f %9lu",
+                    _row.mean(_row.delayedPictureMs), _row.mean(_row.delayedAudioMs), _delayMs,
+                    _marginMs, _row.mean(_row.audioMs - _row.pictureMs),
+                    _row.mean(_row.delayedAudioMs - _row.delayedPictureMs), _row.smallest,
+                    _row.largest, _status.marginChanges - _marginChanges);
     }
-    std::printf("%s\n", note().c_str());
+    if (!_isSettled) {
+        std::printf("  (%s)", _status.isSteered ? "measuring" : _status.message.c_str());
+    }
+    std::printf("\n");
     std::fflush(stdout);
     _shown = 0;
-    _row = _undelayed = Skew();
+    _row = Skews();
+    _marginChanges = _status.marginChanges;
 }
 
-// Why the last picture was not steered; empty if it was.
-std::string Report::note() const {
-    const auto now = Reading::Clock::now();
-    if (!_reading) {
-        return "  (no reading yet)";
-    }
-    if (_reading->isUsable(now)) {
-        return _reading->isSteered ? "" : "  (measuring)";
-    }
-    char text[64];
-    std::snprintf(text, sizeof(text), "  (%s: the reading is %.1f s old)",
-                  _reading->isFrozen ? "frozen" : "stale", _reading->age(now).count());
-    return text;
-}
-
-bool Report::conclude() const {
-    if (_steered.count() == 0) {
+bool Report::conclude(bool mayLeave) const {
+    if (_steered.count == 0) {
         std::printf("\nNo picture was steered: the engine gave too few usable readings.\n");
         return false;
     }
-    std::printf("\nSkew of %zu steered pictures: %.1f to %.1f ms\n", _steered.count(),
-                _steered.smallest(), _steered.largest());
+    std::printf("\nSkew of %zu steered pictures: %.1f to %.1f ms, %lu changes, %lu of the margin\n",
+                _steered.count, _steered.smallest, _steered.largest, _status.changes,
+                _status.marginChanges);
     std::printf(
-        "%s the window of %.0f to %.0f ms (ATSC IS-191), %s that of %.0f to %.0f ms (ITU-R "
-        "BT.1359)\n",
-        position(_steered, allowedSkew), allowedSkew.earliest, allowedSkew.latest,
-        position(_steered, undetectedSkew), undetectedSkew.earliest, undetectedSkew.latest);
-    return _steered.isInside(allowedSkew);
+        "%.1f %% inside the window of %.0f to %.0f ms (ATSC IS-191), %.1f %% inside that of %.0f "
+        "to %.0f ms (ITU-R BT.1359)\n",
+        _steered.percent(_steered.allowed), allowedSkew.earliest, allowedSkew.latest,
+        _steered.percent(_steered.undetected), undetectedSkew.earliest, undetectedSkew.latest);
+    return mayLeave || _steered.undetected == _steered.count;
 }
 
 } // namespace video

@@ -1,43 +1,63 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <cstdio>
-#include <optional>
 #include <string>
 
-#include "LatestReading.h"
 #include "Pictures.h"
-#include "Skew.h"
+#include "avsync/LipSync.h"
 
 namespace video {
 
-/// Prints one row a second, and writes the figures of every picture to a file on request.
+/// The skew of a number of pictures.
+struct Skews {
+    std::size_t count = 0;
+    double pictureMs = 0; ///< Sums of latenesses, without corrections.
+    double audioMs = 0;
+    double delayedPictureMs = 0; ///< Sums with them.
+    double delayedAudioMs = 0;
+    double smallest = 0; ///< Of the skew.
+    double largest = 0;
+    std::size_t allowed = 0; ///< Pictures inside the two windows.
+    std::size_t undetected = 0;
+
+    void add(const Picture& picture, double delayedAudio, double margin);
+    double mean(double sum) const { return sum / static_cast<double>(count); }
+    double percent(std::size_t part) const { return 100 * mean(static_cast<double>(part)); }
+};
+
+/// Prints the state when it changes and one row a second, and writes the figures of every picture
+/// to a file on request.
 class Report {
 public:
+    using Status = velta::zub::avsync::LipSync::Status;
+
     /// Prints the header. `csv` may be null.
-    Report(Reading::Clock::time_point start, std::FILE* csv);
+    Report(std::string socket, std::FILE* csv);
 
-    void add(const Picture& picture, const std::optional<Reading>& reading);
+    void add(const Picture& picture, const Status& status);
 
-    /// The row of the pictures since the last row, which ends `second` seconds after the start.
-    void printRow(long second);
-
-    /// Returns true if the skew of all steered pictures was right.
-    bool conclude() const;
+    /// Returns true if pictures were steered, and `mayLeave` or nobody would notice the skew of
+    /// any.
+    bool conclude(bool mayLeave) const;
 
 private:
-    void write(const Picture& picture, const Reading* usable) const;
-    std::string note() const;
+    void printState();
+    void printRow();
+    void write(const Picture& picture, bool isUsable) const;
 
-    Reading::Clock::time_point _start;
+    std::string _socket;
     std::FILE* _csv;
+    std::string _state;
+    Status _status;              ///< The last one.
+    unsigned long _marginMs = 0; ///< In the last reading.
+    bool _isSettled = false;     ///< The skew has been right since the steering began.
+    long _second = 0;
     std::size_t _shown = 0; ///< In this row.
-    Skew _row;              ///< Of the pictures with a usable reading.
-    Skew _undelayed;        ///< The same pictures as they would be without delays.
-    Skew _steered;
-    std::optional<Picture> _picture;
-    std::optional<Reading> _reading;
+    double _delayMs = 0;    ///< Of the last picture.
+    unsigned long _marginChanges = 0;
+    Skews _row;
+    Skews _steered;
 };
 
 } // namespace video
