@@ -1,23 +1,11 @@
 #include "tools/lipsyncctl/Connection.h"
 
-#include <algorithm>
 #include <csignal>
 #include <utility>
-
-#include "tools/lipsyncctl/Interrupt.h"
 
 namespace lipsyncctl {
 
 namespace {
-
-using std::chrono::milliseconds;
-
-// How often the watchdog looks at the running call. It is not woken for each call, because that
-// would lengthen the exchanges that `ping` measures.
-milliseconds tick(milliseconds timeout) {
-    constexpr milliseconds longest{50};
-    return timeout.count() == 0 ? longest : std::clamp(timeout / 10, milliseconds(1), longest);
-}
 
 // A signal with a handler, but without SA_RESTART, makes a blocked system call return.
 void prepareWakeUpSignal() {
@@ -28,19 +16,9 @@ void prepareWakeUpSignal() {
 
 } // namespace
 
-Connection::Connection(std::string socket, milliseconds timeout)
+Connection::Connection(std::string socket, std::chrono::milliseconds timeout)
     : _socket(std::move(socket)), _timeout(timeout) {
     prepareWakeUpSignal();
-    _watchdog = std::thread([this] { watch(); });
-}
-
-Connection::~Connection() {
-    {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        _isClosing = true;
-    }
-    _closing.notify_all();
-    _watchdog.join();
 }
 
 std::optional<Failure> Connection::connect() {
@@ -68,36 +46,25 @@ void Connection::disconnect() {
     _isConnected = false;
 }
 
-void Connection::stop() {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    _isStopped = true;
-}
-
-std::chrono::duration<double> Connection::waitingTime() {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    if (_phase == Phase::Idle) {
-        return std::chrono::duration<double>::zero();
-    }
-    return std::chrono::steady_clock::now() - _start;
+std::chrono::duration<double> Connection::waitingTime() const {
+    const Watchdog::Time start = _start;
+    return start == Watchdog::never ? Watchdog::Clock::duration::zero()
+                                    : Watchdog::Clock::now() - start;
 }
 
 template <typename Call>
 std::optional<Failure> Connection::run(Phase phase, const Call& call) {
-    {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        _phase = phase;
-        _caller = pthread_self();
-        _start = std::chrono::steady_clock::now();
-    }
-    const Service::Result result = call();
-    const std::lock_guard<std::mutex> lock(_mutex);
-    _phase = Phase::Idle;
-    return outcome(phase, result, std::exchange(_wasEnded, false));
-}
-
-std::optional<Failure> Connection::outcome(Phase phase, const Service::Result& result,
-                                           bool wasEnded) const {
-    if (wasEnded) {
+    _phase = phase;
+    _caller = pthread_self();
+    const auto start = Watchdog::Clock::now();
+    _start = start;
+    const Service::Result result = [&] {
+        const auto limit = _timeout.count() > 0 ? start + _timeout : Watchdog::never;
+        const Watchdog::Deadline deadline(_watchdog, limit);
+        return call();
+    }();
+    _start = Watchdog::never;
+    if (_watchdog.ending() != Watchdog::Ending::Itself) {
         const bool isConnecting = phase == Phase::Connecting;
         const std::string what = isConnecting ? "no connection within " : "no answer within ";
         return Failure{Failure::Code::TransportError,
@@ -109,29 +76,12 @@ std::optional<Failure> Connection::outcome(Phase phase, const Service::Result& r
     return std::nullopt;
 }
 
-void Connection::watch() {
-    std::unique_lock<std::mutex> lock(_mutex);
-    while (!_closing.wait_for(lock, tick(_timeout), [this] { return _isClosing; })) {
-        if (_phase != Phase::Idle && mustEnd()) {
-            endCall();
-        }
-    }
-}
-
-bool Connection::mustEnd() const {
-    const auto elapsed = std::chrono::steady_clock::now() - _start;
-    return _isStopped || isInterrupted() || (_timeout.count() > 0 && elapsed >= _timeout);
-}
-
-// Repeated until the call has returned: a signal that arrives just before the system call blocks
-// has no effect.
+// `cancel` must not overlap `connect`, which blocks while the engine's queue of new connections is
+// full.
 void Connection::endCall() {
-    _wasEnded = true;
     if (_phase == Phase::Exchanging) {
         _service.cancel();
     } else {
-        // `cancel` must not overlap `connect`, which blocks while the engine's queue of new
-        // connections is full.
         pthread_kill(_caller, SIGUSR1);
     }
 }

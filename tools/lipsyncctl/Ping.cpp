@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <future>
 #include <optional>
 #include <vector>
 
@@ -37,6 +38,20 @@ std::optional<Failure> measure(Connection& connection, unsigned long exchanges, 
     return std::nullopt;
 }
 
+// A signal ends an exchange with a silent engine, though it arrives in any thread.
+std::optional<Failure> measureUntilInterrupted(Connection& connection, unsigned long exchanges,
+                                               Figures& figures) {
+    constexpr std::chrono::milliseconds patience{50};
+    auto measuring =
+        std::async(std::launch::async, [&] { return measure(connection, exchanges, figures); });
+    while (measuring.wait_for(patience) != std::future_status::ready) {
+        if (isInterrupted()) {
+            connection.stop();
+        }
+    }
+    return measuring.get();
+}
+
 // The smallest value such that at least this share of the values are not larger.
 double percentile(const std::vector<double>& sorted, double share) {
     const auto rank =
@@ -67,7 +82,7 @@ void print(Figures& figures, Output& output) {
 int ping(Connection& connection, unsigned long exchanges, Output& output) {
     catchInterrupts();
     Figures figures;
-    const auto failure = measure(connection, exchanges, figures);
+    const auto failure = measureUntilInterrupted(connection, exchanges, figures);
     print(figures, output);
     if (failure && !isInterrupted()) {
         return output.fail(*failure);
