@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 #include "avsync/Latency.h"
 #include "avsync/Window.h"
@@ -14,15 +15,15 @@ namespace velta::zub::avsync {
 /// from capture to rendering or showing. Only the difference of the two is used, so the clocks of
 /// sender and device need not agree.
 struct Reading {
-    double audioLatencyMs = 0;
-    double pictureLatencyMs = 0;
+    double audioLatencyMs = 0;   ///< From capture to rendering.
+    double pictureLatencyMs = 0; ///< From capture to showing.
     double depthMs = 0; ///< Of the jitter buffer. Not used: the audio's latency contains it.
 };
 
 /// How much later than without help the sound is played and the pictures are shown.
 struct Correction {
-    unsigned long marginMs = 0;
-    double pictureDelayMs = 0;
+    unsigned long marginMs = 0; ///< Of the sound.
+    double pictureDelayMs = 0;  ///< Of the pictures.
 };
 
 /// Decides how much to delay the sound or the pictures of a call so that both are in step. Reads no
@@ -45,6 +46,7 @@ struct Correction {
 /// moves freely inside the window. docs/performance.md compares it with other rules.
 class Controller {
 public:
+    /// Any start will do: only differences count.
     using Time = std::chrono::steady_clock::time_point;
 
     /// The margin is a multiple of `granularityMs` up to `maxMarginMs`.
@@ -59,7 +61,9 @@ public:
     /// than two seconds: then the clocks differ, not the lips. After a gap of five seconds it
     /// starts anew.
     Correction update(Time now, const Reading& reading, const Correction& inForce) {
-        const Correction kept = isAsked(inForce) ? *_asked : inForce;
+        // What was asked for may need some time, or be refused, and pictures are held back almost
+        // as asked. So what is in force says only how the reading came about.
+        const Correction kept = _asked.value_or(inForce);
         const double passed = seconds(now - _updated);
         if (!isPlausible(reading, inForce) || (_pictures.isKnown() && passed < shortestInterval)) {
             return kept;
@@ -68,18 +72,17 @@ public:
             restart();
         }
         _updated = now;
+        _asked = kept;
         measure(now, std::min(passed, longestInterval), reading, inForce);
         if (!_audio.isKnown()) {
             return kept;
         }
-        // What was asked for may need some time: the pictures that wait are shown first.
-        if (_asked && !isAsked(inForce) && now - _changed < patience) {
-            return *_asked;
-        }
         const Correction best = bestFor(kept);
         if (!isSame(best, kept)) {
-            change(now, best);
+            ++_recent;
+            _missed = 0;
         }
+        _asked = best;
         return best;
     }
 
@@ -98,11 +101,11 @@ private:
     static constexpr double shortestInterval = 0.05;
     static constexpr double longestInterval = 5;
     static constexpr double audioTrendMemory = 1.5; // Jitter buffers often move in steps.
-    static constexpr double pictureTrendMemory = 0.05;
+    static constexpr double pictureTrendMemory = 0.2;
     static constexpr double horizon = 0.8;
     static constexpr double price = 0.6;
-    static constexpr double marginPrice = 0.6;
-    static constexpr double recentPrice = 0.065; // For each recent change.
+    static constexpr double marginPrice = 0.5;
+    static constexpr double recentPrice = 0.075; // For each recent change.
     static constexpr double recentMemory = 6;
     static constexpr double missedCredit = 0.5;  // For each second outside.
     static constexpr double delayPrice = 0.0016; // For each ms.
@@ -110,15 +113,13 @@ private:
     static constexpr double distancePrice = 0.002;   // For each ms outside: nearer is better.
     static constexpr double slowestMsPerSecond = 15; // Of an engine that applies a margin.
     static constexpr double toleranceMs = 10;
-    static constexpr std::chrono::seconds patience{1};
 
     static double seconds(Duration time) { return std::chrono::duration<double>(time).count(); }
     static double toMs(const Correction& c) { return static_cast<double>(c.marginMs); }
-    // A pipeline shows pictures at certain times only, so it holds them back almost as asked.
+    // Less than 5 ms is no change.
     static bool isSame(const Correction& a, const Correction& b) {
         return a.marginMs == b.marginMs && std::abs(a.pictureDelayMs - b.pictureDelayMs) < 5;
     }
-    bool isAsked(const Correction& c) const { return _asked && isSame(c, *_asked); }
 
     // False for what is not a number, too.
     static bool isPlausible(const Reading& reading, const Correction& inForce) {
@@ -146,12 +147,15 @@ private:
         if (inForce.marginMs != _confirmedMs) {
             _confirmedMs = inForce.marginMs;
             _confirmed = now;
+            _wasShown = false;
         }
         const double change = toMs(inForce) - _appliedMs;
         const double shown = reading.audioLatencyMs - (_audio.levelMs() + _appliedMs);
         const double missing = change > 0 ? change - shown : shown - change;
         const double allowed = std::abs(change) / slowestMsPerSecond;
-        if (_audio.isKnown() && std::abs(change) > 0 && missing > toleranceMs &&
+        // Twice, because one reading may be wrong.
+        const bool isShown = std::exchange(_wasShown, missing <= toleranceMs) && _wasShown;
+        if (_audio.isKnown() && std::abs(change) > 0 && !isShown &&
             seconds(now - _confirmed) < allowed) {
             return false;
         }
@@ -212,24 +216,17 @@ private:
                commonDelayPrice * std::min(toMs(c), c.pictureDelayMs);
     }
 
-    void change(Time now, const Correction& correction) {
-        _recent += isAsked(correction) ? 0 : 1;
-        _asked = correction;
-        _changed = now;
-        _missed = 0;
-    }
-
     unsigned long _granularityMs;
     unsigned long _maxMarginMs;
     Latency _audio{audioTrendMemory};
     Latency _pictures{pictureTrendMemory};
     Time _updated;
-    std::optional<Correction> _asked; // The last change.
-    Time _changed;
+    std::optional<Correction> _asked;
     double _missed = 0;             // Seconds outside the window.
     double _recent = 0;             // The number of changes; it forgets.
     unsigned long _confirmedMs = 0; // The margin.
     Time _confirmed;
+    bool _wasShown = false;
     double _appliedMs = 0; // The margin that the latency of the sound shows.
 };
 

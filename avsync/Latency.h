@@ -34,10 +34,11 @@ public:
     /// True from the third reading on.
     bool isKnown() const { return _count >= countUntilKnown; }
 
+    /// The latency now, without noise.
     double levelMs() const { return _levelMs; }
 
-    /// In ms per second.
-    double trend() const { return _trend; }
+    /// In ms per second; 0 if it may be noise.
+    double trend() const { return std::abs(_trend) > trendDoubt * _noiseMs ? _trend : 0; }
 
     /// For a time in which the latency cannot be measured.
     void dropTrend() { _trend = 0; }
@@ -47,6 +48,7 @@ private:
     static constexpr double noiseMemory = 4; // In seconds.
     static constexpr double largestDeviationMs = 30;
     static constexpr double stepMs = 35;
+    static constexpr double trendDoubt = 10; // In 1/s.
 
     // The part of an exponential average that is new after `seconds`.
     static double weight(double seconds, double memory) { return 1 - std::exp(-seconds / memory); }

@@ -3,71 +3,59 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <string>
+#include <utility>
 #include <vector>
 
-namespace avsync = velta::zub::avsync;
-using avsync::ntpAddMs;
-using avsync::ntpFrom;
-using avsync::ntpMsBetween;
-using avsync::RtpClock;
-using avsync::systemTimeFrom;
-using std::chrono::microseconds;
-using std::chrono::milliseconds;
+using namespace std::chrono_literals;
+using namespace velta::zub::avsync;
 using std::chrono::nanoseconds;
-using std::chrono::seconds;
 using std::chrono::steady_clock;
 using std::chrono::system_clock;
 
 namespace {
 
-// 2036-02-07 06:28:16 UTC, when the timestamps start again from 0.
-constexpr seconds secondsUntilNewEra{2085978496};
+constexpr std::uint64_t second = std::uint64_t{1} << 32;
+constexpr std::uint64_t last = std::numeric_limits<std::uint64_t>::max();
 
 system_clock::time_point unixTime(nanoseconds sinceEpoch) {
     return system_clock::time_point(std::chrono::duration_cast<system_clock::duration>(sinceEpoch));
 }
 
-constexpr std::uint64_t second = std::uint64_t{1} << 32;
-
 } // namespace
 
 TEST(Ntp, ConvertsTimesBothWays) {
-    struct Row {
-        nanoseconds sinceEpoch;
-        std::uint64_t ntp;
+    // 2036-02-07 06:28:16 UTC, when the timestamps start again from 0.
+    constexpr auto newEra = 2085978496s;
+    const std::vector<std::pair<nanoseconds, std::uint64_t>> rows{
+        {0s, 2208988800 * second},
+        {500ms, 2208988800 * second + second / 2},
+        {-250ms, 2208988799 * second + 3 * (second / 4)},
+        {-2208988800s, 0},
+        {newEra - 1us, last - 4294},
+        {newEra, 0},
+        {newEra + 1500ms, second + second / 2},
     };
-    const std::vector<Row> rows{
-        {nanoseconds(0), 2208988800 * second},
-        {milliseconds(500), 2208988800 * second + second / 2},
-        {milliseconds(-250), 2208988799 * second + 3 * (second / 4)},
-        {nanoseconds(-seconds(2208988800)), 0},
-        {secondsUntilNewEra - microseconds(1), std::numeric_limits<std::uint64_t>::max() - 4294},
-        {secondsUntilNewEra, 0},
-        {secondsUntilNewEra + milliseconds(1500), second + second / 2},
-    };
-    for (const Row& row : rows) {
-        const auto time = unixTime(row.sinceEpoch);
-        EXPECT_EQ(ntpFrom(time), row.ntp) << row.sinceEpoch.count();
-        EXPECT_EQ(systemTimeFrom(row.ntp, time + seconds(2000000000)), time);
-        EXPECT_EQ(systemTimeFrom(row.ntp, time - seconds(2000000000)), time);
+    for (const auto& [sinceEpoch, ntp] : rows) {
+        const auto time = unixTime(sinceEpoch);
+        EXPECT_EQ(ntpFrom(time), ntp) << sinceEpoch.count();
+        EXPECT_EQ(systemTimeFrom(ntp, time + 2000000000s), time);
+        EXPECT_EQ(systemTimeFrom(ntp, time - 2000000000s), time);
     }
-    // Every fraction of a second comes back.
-    for (std::int64_t ns = 0; ns < 1000000000; ns += 999983) {
-        const auto time = unixTime(seconds(1700000000) + nanoseconds(ns));
-        ASSERT_EQ(systemTimeFrom(ntpFrom(time)), time) << ns;
+    for (nanoseconds fraction = 0ns; fraction < 1s; fraction += 999983ns) {
+        const auto time = unixTime(1700000000s + fraction);
+        ASSERT_EQ(systemTimeFrom(ntpFrom(time)), time) << fraction.count();
     }
 }
 
 TEST(Ntp, ReadsTheClocksOfThisDevice) {
     const auto before = system_clock::now();
-    const auto now = systemTimeFrom(avsync::ntpNow());
+    const auto now = systemTimeFrom(ntpNow());
     EXPECT_LE(before, now);
     EXPECT_LE(now, system_clock::now());
-    for (const auto offset : {-seconds(3600), -seconds(1), seconds(0), seconds(1)}) {
-        const std::uint64_t time = avsync::ntpAt(steady_clock::now() + offset);
-        const double expected = std::chrono::duration<double, std::milli>(offset).count();
-        EXPECT_NEAR(ntpMsBetween(avsync::ntpNow(), time), expected, 500);
+    for (const auto offset : {-3600s, -1s, 0s, 1s}) {
+        const std::uint64_t time = ntpAt(steady_clock::now() + offset);
+        EXPECT_NEAR(ntpMsBetween(ntpNow(), time), 1000.0 * static_cast<double>(offset.count()),
+                    500);
     }
 }
 
@@ -77,7 +65,6 @@ TEST(Ntp, TakesDifferencesAndSumsAcross2036) {
         double ms;
         std::uint64_t to;
     };
-    const std::uint64_t last = std::numeric_limits<std::uint64_t>::max();
     const std::vector<Row> rows{
         {5 * second, 0, 5 * second},
         {5 * second, 1500, 6 * second + second / 2},
@@ -90,38 +77,36 @@ TEST(Ntp, TakesDifferencesAndSumsAcross2036) {
         EXPECT_EQ(ntpAddMs(row.from, row.ms), row.to) << row.ms;
         EXPECT_DOUBLE_EQ(ntpMsBetween(row.from, row.to), row.ms);
     }
-    EXPECT_EQ(ntpAddMs(5, 0.6 / avsync::ntpUnitsPerMs), 6u);
-    EXPECT_EQ(ntpAddMs(5, -0.6 / avsync::ntpUnitsPerMs), 4u);
+    EXPECT_EQ(ntpAddMs(5, 0.6 / ntpUnitsPerMs), 6u);
+    EXPECT_EQ(ntpAddMs(5, -0.6 / ntpUnitsPerMs), 4u);
 }
 
 TEST(RtpClock, ConvertsAroundTheNewestReport) {
     struct Row {
         const char* what;
-        std::uint32_t rateHz;
-        std::uint64_t reportNtp;
-        std::uint32_t reportRtp;
-        std::uint32_t rtp;
+        std::uint32_t rateHz, reportRtp, rtp;
         double msAfter;
     };
-    const std::uint64_t someTime = 3900000000 * second + 12345;
     const std::vector<Row> rows{
-        {"the same moment", 90000, someTime, 1000, 1000, 0},
-        {"a picture later", 90000, someTime, 1000, 4000, 1000 / 30.0},
-        {"a packet before the report", 48000, someTime, 96000, 95040, -20},
-        {"wraps around forwards", 90000, someTime, 0xffffff00, 0x00000084, 388 / 90.0},
-        {"wraps around backwards", 90000, someTime, 0x00000084, 0xffffff00, -388 / 90.0},
-        {"the latest", 90000, someTime, 10, 10 + 0x7fffffffu, 0x7fffffff / 90.0},
-        {"the earliest", 90000, someTime, 10, 10 + 0x80000000u, -2147483648.0 / 90},
-        {"the earliest at 1 Hz", 1, someTime, 0, 0x80000000u, -2147483648e3},
-        {"into the next era", 8000, 0xffffffff80000000, 0, 8000, 1000},
-        {"the fastest clock", 0xffffffff, someTime, 0, 0x7fffffff, 500},
+        {"the same moment", 90000, 1000, 1000, 0},
+        {"a picture later", 90000, 1000, 4000, 1000 / 30.0},
+        {"a packet before the report", 48000, 96000, 95040, -20},
+        {"wraps around forwards", 90000, 0xffffff00, 0x00000084, 388 / 90.0},
+        {"wraps around backwards", 90000, 0x00000084, 0xffffff00, -388 / 90.0},
+        {"the latest", 90000, 10, 0x80000009, 0x7fffffff / 90.0},
+        {"the earliest", 90000, 10, 0x8000000a, -2147483648.0 / 90},
+        {"the earliest at 1 Hz", 1, 0, 0x80000000, -2147483648e3},
+        {"the fastest clock", 0xffffffff, 0, 0x7fffffff, 500},
     };
     for (const Row& row : rows) {
-        RtpClock clock(row.rateHz);
-        clock.addReport(row.reportNtp, row.reportRtp);
-        const auto captured = clock.captured(row.rtp);
-        ASSERT_TRUE(captured) << row.what;
-        EXPECT_NEAR(ntpMsBetween(row.reportNtp, *captured), row.msAfter, 1e-6) << row.what;
+        // In 2023, and just before the timestamps start again.
+        for (const std::uint64_t report : {3900000000 * second + 12345, last - 12345}) {
+            RtpClock clock(row.rateHz);
+            clock.addReport(report, row.reportRtp);
+            const auto captured = clock.captured(row.rtp);
+            ASSERT_TRUE(captured) << row.what;
+            EXPECT_NEAR(ntpMsBetween(report, *captured), row.msAfter, 1e-6) << row.what;
+        }
     }
 }
 
@@ -148,8 +133,8 @@ TEST(RtpClock, BelievesTheNewestReportAtOnce) {
     EXPECT_EQ(clock.captured(0x90000000 + 90000), 171 * second);
 }
 
-// A week with a report every five seconds: the timestamps wrap around many times, and each time
-// is as exact as the first.
+// A week with a report every five seconds: the timestamps wrap around many times, and each time is
+// as exact as the first.
 TEST(RtpClock, StaysExactInALongCall) {
     for (const std::uint32_t rateHz : {90000u, 48000u, 44100u}) {
         RtpClock clock(rateHz);
