@@ -1,30 +1,26 @@
 // A minimal program that uses the headers in avsync/ of an installed library.
 
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
-#include "avsync/Controller.h"
-#include "avsync/Ntp.h"
-#include "lipsyncapi/Service.h"
+#include "avsync/LipSync.h"
+#include "avsync/RtpClock.h"
 
 namespace avsync = velta::zub::avsync;
 
 int main(int argc, char** argv) {
-    velta::zub::lipsyncapi::Service service;
-    velta::zub::common::LipSyncNtpTimestamps audio;
-    auto result = service.connect(argc > 1 ? argv[1] : service.defaultLipsyncSocketName);
-    if (result.isSuccess()) {
-        result = service.getAudioTimestamps(audio);
-    }
+    avsync::LipSync::Options options;
+    options.socket = argc > 1 ? argv[1] : options.socket;
+    options.interval = std::chrono::milliseconds(10);
+    avsync::LipSync lipSync(options);
     avsync::RtpClock rtpClock(90000);
     rtpClock.addReport(avsync::ntpNow(), 9000);
-    const auto captured = rtpClock.captured(0);
-    avsync::Reading reading;
-    reading.audioLatencyMs =
-        avsync::ntpMsBetween(audio.audioCaptureTimestamp, audio.audioRenderingTimestamp);
-    reading.pictureLatencyMs = captured ? avsync::ntpMsBetween(*captured, avsync::ntpNow()) : 0;
-    avsync::Controller controller(20, 100);
-    const auto now = avsync::Controller::Time::clock::now();
-    const auto correction = controller.update(now, reading, avsync::Correction());
-    std::printf("%s: margin %lu ms\n", result.format().c_str(), correction.marginMs);
-    return result.isSuccess() ? 0 : 1;
+    for (int i = 0; i < 1000 && !lipSync.status().isSteered; ++i) {
+        lipSync.setPicture(*rtpClock.captured(0), avsync::ntpNow(), lipSync.pictureDelayMs());
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    const auto status = lipSync.status();
+    std::printf("skew %.1f ms %s\n", status.skewMs, status.message.c_str());
+    return status.isSteered ? 0 : 1;
 }
