@@ -10,7 +10,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-const std::string header = "time_s,audio_ms,depth_ms,picture_ms\n";
+const std::string columns = "time_s,audio_ms,depth_ms,picture_ms\n";
 
 class Network : public tests::EngineTest {
 protected:
@@ -33,7 +33,7 @@ TEST_F(Network, IsFollowedByTimeAndAgain) {
     std::string error;
     // The last row has less latency than the depth and the loudspeaker need.
     ASSERT_TRUE(
-        network.open(write(header + "0,70.5,13,0\n0.1,200,100.6,0\r\n0.3,100,95,0\n"), error))
+        network.open(write(columns + "0,70.5,13,0\n0.1,200,100.6,0\r\n0.3,100,95,0\n"), error))
         << error;
     const AudioEngine::Clock::time_point start{std::chrono::seconds(1800000000)};
     AudioEngine engine;
@@ -59,7 +59,7 @@ TEST_F(Network, IsFollowedByTimeAndAgain) {
 }
 
 TEST_F(Network, BeginsWithTheFirstClientAndEndsWithACommand) {
-    write(header + "0,170,30,0\n1,260,50,0\n86400,0,0,0\n");
+    write(columns + "0,170,30,0\n1,260,50,0\n86400,0,0,0\n");
     const tests::Engine engine(socket, {"--network", file});
     const std::string readings =
         run(LIPSYNCCTL, "timestamps --watch --count 2 --interval 1100" + at);
@@ -77,8 +77,8 @@ TEST_F(Network, MistakesAreNamedWithTheirLine) {
     const auto expectError = [&](const std::string& text, const std::string& error) {
         expectFailure(AZUBSIM, "--network " + write(text) + at, 1, "azubsim: " + file + error);
     };
-    const std::string rows = header + "0,70,13,119.7\n";
-    expectError(header, ": it has no rows\n");
+    const std::string rows = columns + "0,70,13,119.7\n";
+    expectError(columns, ": it has no rows\n");
     expectFailure(AZUBSIM, "--network " + file + "/x" + at, 1,
                   "azubsim: " + file + "/x: Not a directory\n");
     expectError("0,70,13,119.7\n", ":1: the header must be time_s,audio_ms,depth_ms,picture_ms\n");
@@ -88,6 +88,6 @@ TEST_F(Network, MistakesAreNamedWithTheirLine) {
                     std::string(":3: '") + line + "' is not four numbers\n");
     }
     expectError(rows + "0,70,13,119\n", ":3: the time must be later");
-    expectError(header + "-1,70,13,119\n", ":2: the time must be later");
+    expectError(columns + "-1,70,13,119\n", ":2: the time must be later");
     expectError(rows + "1,-1,13,119\n", ":3: latencies and depth must be from 0 to 10000 ms\n");
 }
