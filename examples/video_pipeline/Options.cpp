@@ -18,9 +18,9 @@ constexpr const char* usage =
     "  --lateness MS   how late the pictures are without a delay: 0 to 1000, default 195\n"
     "  --network FILE  how late the pictures are: the column picture_ms of a recorded network\n"
     "  --csv FILE      write the figures of every picture to FILE\n"
-    "Exit status: 0 if the skew of all steered pictures stayed inside -45 to 125 ms, where nobody\n"
-    "notices it, 1 if it did not or no picture was steered, 2 for wrong usage. With --network it\n"
-    "need not stay inside.\n";
+    "Exit status: 0 if nobody would notice the skew of any steered picture, -45 to 125 ms, or "
+    "with\n"
+    "--network, if any picture was steered; otherwise 1; for wrong usage 2.\n";
 
 [[noreturn]] void endWithUsage() {
     constexpr int exitUsage = 2;

@@ -6,7 +6,6 @@
 #include <thread>
 
 #include "Network.h"
-#include "Options.h"
 #include "avsync/Ntp.h"
 
 namespace video {

@@ -18,20 +18,20 @@ bool isUsable(const Report::Status& status) {
 
 } // namespace
 
-void Skews::add(const Picture& picture, double delayedAudio, double margin) {
-    const double skew = delayedAudio - picture.latenessMs();
+void Skews::add(const Picture& picture, double latenessMs, unsigned long marginMs) {
+    const double skew = latenessMs - picture.latenessMs();
     smallest = count == 0 ? skew : std::min(smallest, skew);
     largest = count == 0 ? skew : std::max(largest, skew);
-    pictureMs += picture.latenessMs() - picture.delayMs;
-    audioMs += delayedAudio - margin;
-    delayedPictureMs += picture.latenessMs();
-    delayedAudioMs += delayedAudio;
+    pictureMs += picture.latenessMs();
+    audioMs += latenessMs;
+    uncorrected += skew + picture.delayMs - static_cast<double>(marginMs);
     allowed += allowedSkew.contains(skew) ? 1 : 0;
     undetected += undetectedSkew.contains(skew) ? 1 : 0;
     ++count;
 }
 
 Report::Report(std::string socket, std::FILE* csv) : _socket(std::move(socket)), _csv(csv) {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // Also into a pipe.
     if (_csv != nullptr) {
         std::fputs(
             "time_s,picture_ms,picture_delay_ms,audio_ms,audio_without_margin_ms,margin_ms,"
@@ -43,7 +43,6 @@ Report::Report(std::string socket, std::FILE* csv) : _socket(std::move(socket)),
         "margin\n"
         "   s   a second   picture   audio   picture audio   without    with    from      to   "
         "changes\n");
-    std::fflush(stdout);
 }
 
 void Report::add(const Picture& picture, const Status& status) {
@@ -58,10 +57,10 @@ void Report::add(const Picture& picture, const Status& status) {
     const double skew = status.audioLatencyMs - picture.latenessMs();
     _isSettled = status.isSteered && (_isSettled || allowedSkew.contains(skew));
     if (isUsable(status)) {
-        _row.add(picture, status.audioLatencyMs, static_cast<double>(_marginMs));
-        if (_isSettled) {
-            _steered.add(picture, status.audioLatencyMs, static_cast<double>(_marginMs));
-        }
+        _row.add(picture, status.audioLatencyMs, _marginMs);
+    }
+    if (isUsable(status) && _isSettled) {
+        _steered.add(picture, status.audioLatencyMs, _marginMs);
     }
     if (_csv != nullptr) {
         write(picture, isUsable(status));
@@ -75,7 +74,6 @@ void Report::printState() {
                                                   : "Waiting for the engine: " + _status.message;
     if (state != _state && _status.message != Status().message) {
         std::printf("%s\n", state.c_str());
-        std::fflush(stdout);
         _state = state;
     }
 }
@@ -96,16 +94,14 @@ void Report::printRow() {
     std::printf("%4ld %10zu", ++_second, _shown);
     if (_row.count > 0) {
         std::printf(" %9.1f %7.1f %9.0f %5lu %9.1f %7.1f %7.1f %7.1f %9lu",
-                    _row.mean(_row.delayedPictureMs), _row.mean(_row.delayedAudioMs), _delayMs,
-                    _marginMs, _row.mean(_row.audioMs - _row.pictureMs),
-                    _row.mean(_row.delayedAudioMs - _row.delayedPictureMs), _row.smallest,
-                    _row.largest, _status.marginChanges - _marginChanges);
+                    _row.mean(_row.pictureMs), _row.mean(_row.audioMs), _delayMs, _marginMs,
+                    _row.mean(_row.uncorrected), _row.mean(_row.audioMs - _row.pictureMs),
+                    _row.smallest, _row.largest, _status.marginChanges - _marginChanges);
     }
     if (!_isSettled) {
         std::printf("  (%s)", _status.isSteered ? "measuring" : _status.message.c_str());
     }
     std::printf("\n");
-    std::fflush(stdout);
     _shown = 0;
     _row = Skews();
     _marginChanges = _status.marginChanges;

@@ -12,16 +12,15 @@ namespace video {
 /// The skew of a number of pictures.
 struct Skews {
     std::size_t count = 0;
-    double pictureMs = 0; ///< Sums of latenesses, without corrections.
+    double pictureMs = 0; ///< Sums of latenesses.
     double audioMs = 0;
-    double delayedPictureMs = 0; ///< Sums with them.
-    double delayedAudioMs = 0;
-    double smallest = 0; ///< Of the skew.
+    double uncorrected = 0; ///< Sum of the skews without margin and delay.
+    double smallest = 0;    ///< Skew.
     double largest = 0;
     std::size_t allowed = 0; ///< Pictures inside the two windows.
     std::size_t undetected = 0;
 
-    void add(const Picture& picture, double delayedAudio, double margin);
+    void add(const Picture& picture, double latenessMs, unsigned long marginMs);
     double mean(double sum) const { return sum / static_cast<double>(count); }
     double percent(std::size_t part) const { return 100 * mean(static_cast<double>(part)); }
 };

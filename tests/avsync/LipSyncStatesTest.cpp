@@ -1,0 +1,126 @@
+#include <atomic>
+#include <memory>
+
+#include "tests/avsync/LipSyncTest.h"
+#include "tests/avsync/ScriptedEngine.h"
+#include "tests/replacements/Memory.h"
+
+using testing::IsSubstring;
+using tests::LipSyncTest;
+using velta::zub::avsync::allowedSkew;
+
+TEST_F(LipSyncTest, HasAnAnswerToEachStateOfTheEngine) {
+    struct Row {
+        const char* command;
+        const char* message;
+        bool staysConnected;
+        const char* end;
+    };
+    const Row rows[] = {
+        {"call off", "performing a call (Code 1007)", true, "verbose on\ncall on"},
+        {"freeze on", "The timestamps do not change", true, "freeze off"},
+        {"fault error 1001 no", "returned an error (Code 1006)", true, "fault none"},
+        {"fault missing Result", "(Code 1005): {Serializer", false, "verbose on\nfault none"},
+        {"fault close-before", "Closed by distant", false, "fault none"},
+        {"fault silence", "(Code 1005): no answer within 300 ms", false, "fault none"},
+        {"down 0.3", "Cannot connect to Audio ZUB (Code 1004)", false, "verbose on"},
+    };
+    const tests::Engine engine(socket);
+    engine.write("jitter 20\n");
+    LipSync lipSync(options);
+    const auto marginMs = awaitSteered(lipSync).marginMs;
+    EXPECT_GT(marginMs, 0);
+    for (const Row& row : rows) {
+        engine.write(std::string(row.command) + '\n');
+        wasDisconnected = false;
+        auto status = awaitMessage(lipSync, row.message);
+        EXPECT_FALSE(status.isSteered) << row.command;
+        EXPECT_EQ(status.marginMs, marginMs) << row.command;
+        engine.write(std::string(row.end) + '\n');
+        if (std::string(row.end).find("verbose") == 0) {
+            engine.readUntil("<SetAudioDelay_Request>" + std::to_string(marginMs) + '<');
+            engine.write("verbose off\n");
+        }
+        status = awaitSteered(lipSync);
+        EXPECT_EQ(wasDisconnected, !row.staysConnected) << row.command;
+        EXPECT_EQ(status.marginMs, marginMs) << row.command;
+    }
+    EXPECT_EQ(lipSync.status().marginChanges, 1);
+}
+
+TEST_F(LipSyncTest, AsksRarelyWhileItGetsNothing) {
+    std::atomic<int> attempts{0};
+    options.onReading = [&](const LipSync::Status&) { ++attempts; };
+    const auto expectFew = [&](const char* message, int most) {
+        LipSync lipSync(options);
+        awaitMessage(lipSync, message);
+        attempts = 0;
+        std::this_thread::sleep_for(milliseconds(1500));
+        EXPECT_TRUE(attempts >= 1 && attempts <= most) << message << attempts;
+    };
+    expectFew("(Code 1004)", 5);
+    const tests::Engine engine(socket, {"--no-call"});
+    expectFew("(Code 1007)", 2);
+    engine.write("call on\nfault error 1001 no\n");
+    expectFew("(Code 1006)", 5);
+}
+
+TEST_F(LipSyncTest, SteersThePicturesWhileTheEngineRefusesMargins) {
+    tests::ScriptedEngine engine(socket);
+    engine.refusesMargins = true;
+    LipSync lipSync(options);
+    const auto start = Clock::now();
+    awaitMessage(lipSync, "Invalid parameter (Code 1002)");
+    EXPECT_LT(lipSync.status().skewMs, -70);
+    pictureMs = 0;
+    const auto isInside = [](const LipSync::Status& status) {
+        return status.isSteered && allowedSkew.contains(status.skewMs);
+    };
+    const auto status = await(lipSync, isInside);
+    EXPECT_GT(status.pictureDelayMs, 40);
+    EXPECT_PRED_FORMAT2(IsSubstring, "(Code 1006)", status.message);
+    engine.refusesMargins = false;
+    pictureMs = 170;
+    EXPECT_GT(awaitSteered(lipSync).marginMs, 0);
+    EXPECT_GT(Clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(engine.clients, 1);
+    // One refused, one repeated, one that was decided on.
+    EXPECT_LE(engine.marginRequests, 4);
+}
+
+TEST_F(LipSyncTest, NeedsNoCommonClockButFreshPictures) {
+    tests::ScriptedEngine engine(socket);
+    engine.clockMs = -1500;
+    LipSync lipSync(options);
+    const auto marginMs = awaitSteered(lipSync).marginMs;
+    for (const double clockMs : {-60000, 3600000}) {
+        engine.clockMs = clockMs;
+        awaitSteered(lipSync);
+    }
+    const auto readings = lipSync.status().readings;
+    const auto start = Clock::now();
+    while (lipSync.status().isSteered && Clock::now() - start < std::chrono::seconds(5)) {
+        std::this_thread::sleep_for(milliseconds(5));
+    }
+    const auto status = lipSync.status();
+    EXPECT_EQ(status.message, "No picture in the last second");
+    EXPECT_GT(status.readings, readings + 10);
+    EXPECT_EQ(status.marginMs, marginMs);
+    EXPECT_EQ(engine.clients, 1);
+}
+
+TEST_F(LipSyncTest, GoesOnWhenMemoryRunsOut) {
+    const tests::Engine engine(socket);
+    std::atomic<int> next{1};
+    std::atomic<int> failures{0};
+    options.interval = milliseconds(1);
+    options.onReading = [&](const LipSync::Status& status) {
+        failures += tests::memory.hasFailed ? 1 : 0;
+        // Only what a reading needs: that is the same each time.
+        tests::memory.fail(status.isSteered ? next++ : 0);
+    };
+    LipSync lipSync(options);
+    await(lipSync, [&](const LipSync::Status&) { return next > 20; });
+    EXPECT_GT(failures, 5);
+    awaitSteered(lipSync);
+}
