@@ -177,10 +177,7 @@ public:
     /// cancelled exchange has the cause "Connection closed". The object counts as connected until
     /// `disconnect`. Does nothing without a connection.
     ///
-    /// A watchdog shares a mutex and a deadline with the calling thread. The calling thread sets
-    /// the deadline before an exchange and clears it afterwards, each time under the mutex. The
-    /// watchdog calls `cancel` under the mutex, and only if the deadline is set and has passed. The
-    /// calling thread connects, disconnects and destroys the object only while no deadline is set.
+    /// `avsync/Watchdog.h` calls this when a call takes too long.
     void cancel();
 
 private:
