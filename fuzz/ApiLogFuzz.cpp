@@ -55,7 +55,7 @@ std::string expectedLine(const std::string& event, const std::string& name,
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzzApiLog(const std::uint8_t* data, std::size_t size) {
     std::string input(reinterpret_cast<const char*>(data), size);
     const std::string name = cutAtZero(input);
     Service::Result result(static_cast<Service::ResultCode>(1000 + name.size() % 9));

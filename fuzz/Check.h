@@ -5,8 +5,16 @@
 #include <cstdio>
 #include <cstdlib>
 
-// libFuzzer calls this with every input.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+// Each fuzzer, which libFuzzer or a test calls with every input. A program for libFuzzer renames
+// its fuzzer to the name that libFuzzer expects.
+using Fuzzer = int(const std::uint8_t* data, std::size_t size);
+extern "C" {
+Fuzzer fuzzApiLog;
+Fuzzer fuzzDocument;
+Fuzzer fuzzExchange;
+Fuzzer fuzzNumber;
+Fuzzer fuzzThroughputLimit;
+}
 
 namespace fuzz {
 

@@ -92,7 +92,7 @@ void compareLimits(const std::string& text) {
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzzDocument(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     read<GetAudioTs::Answer>(text);
     read<SetAudioDelay::Answer>(text);

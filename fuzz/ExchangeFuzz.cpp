@@ -63,7 +63,7 @@ Client::Result execute(Client& client) {
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzzExchange(const std::uint8_t* data, std::size_t size) {
     if (size < 1) {
         return 0;
     }

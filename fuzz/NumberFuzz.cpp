@@ -54,7 +54,7 @@ void compare(const std::string& text, bool isMinusAllowed) {
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzzNumber(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     compare<unsigned long>(text, false);
     compare<int>(text, true);

@@ -27,7 +27,7 @@ const char* readNumber(const char* at, std::uint32_t& number) {
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzzThroughputLimit(const std::uint8_t* data, std::size_t size) {
     const std::string setting(reinterpret_cast<const char*>(data), size);
     const ThroughputLimit limit = ThroughputLimit::fromSetting(setting.c_str());
     std::uint32_t records = 0;

@@ -9,17 +9,8 @@
 #include <iterator>
 #include <string>
 
+#include "fuzz/Check.h"
 #include "tests/support/Files.h"
-
-using Fuzzer = int(const std::uint8_t* data, std::size_t size);
-
-extern "C" {
-Fuzzer fuzzApiLog;
-Fuzzer fuzzDocument;
-Fuzzer fuzzExchange;
-Fuzzer fuzzNumber;
-Fuzzer fuzzThroughputLimit;
-}
 
 namespace {
 
