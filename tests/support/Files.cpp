@@ -7,9 +7,17 @@ namespace tests {
 
 namespace {
 
-std::string in(const char* folder, const std::string& name) {
+using std::filesystem::path;
+
+#ifndef SOURCE_FOLDER
+// The platform's build puts a test's files beside its program.
+const path SOURCE_FOLDER = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+const path BUILD_FOLDER = SOURCE_FOLDER;
+#endif
+
+std::string in(const path& folder, const std::string& name) {
     const char* const copies = std::getenv("ZUBLIPSYNCAPI_TEST_FILES");
-    return std::filesystem::path(copies != nullptr ? copies : folder) / name;
+    return (copies != nullptr ? copies : folder) / name;
 }
 
 } // namespace

@@ -1,0 +1,1 @@
+../../../../../lipsync/common/LipSyncNtpTimestamps.h

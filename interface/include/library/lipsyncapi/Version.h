@@ -1,0 +1,1 @@
+../../../../lipsyncapi/Version.h

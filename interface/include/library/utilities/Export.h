@@ -1,0 +1,1 @@
+../../../../utilities/Export.h

@@ -1,0 +1,1 @@
+../../../../../utilities/result/Append.h

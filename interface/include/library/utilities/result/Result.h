@@ -1,0 +1,1 @@
+../../../../../utilities/result/Result.h
