@@ -19,11 +19,11 @@ MODULES = {
     "libzublipsyncapi_test_support": ["test_support", "test_replacements"],
     "zublipsyncapi_fault_tests": ["fault_tests"],
     "zublipsyncapi_inner_tests": ["zublipsyncapi_objects", "inner_tests"],
-    "zublipsyncapi_tests": ["service_tests"],
+    "zublipsyncapi_tests": ["service_tests", "avsync_tests"],
     "zublipsyncapi_video_pipeline": ["video_pipeline"],
 }
 # Targets that Android.bp leaves out: the tools and the tests that need them.
-NOT_BUILT = re.compile("azubsim|lipsyncctl|tools_|program_tests|soak_tests")
+NOT_BUILT = re.compile("azubsim|lipsyncctl|tools_|program_tests|soak_tests|avsync_engine_tests")
 
 
 def compiled_sources(file):
