@@ -4,35 +4,38 @@
 
 #include <csignal>
 
-#include "cmdfrmwrk/XmlSerializer.h"
 #include "lipsync/SerializationTraits.h"
 #include "tests/support/Frames.h"
 #include "tests/support/SocketPair.h"
 
+using namespace velta::utilities;
 using tests::SocketPair;
-using velta::utilities::TypeList;
 using velta::zub::cmdfrmwrk::Client;
 using velta::zub::comms::Link;
 using velta::zub::lipsync::GetAudioTs;
-using velta::zub::lipsync::Serializer;
 
 namespace {
 
-// A command whose request cannot be serialized.
+// A command with a record whose value cannot be written.
 struct Refused : GetAudioTs {
-    struct Request {};
+    enum class Request { Unwritable = 9 };
+
+    static bool toString(const Request&, std::string&) { return false; }
+    static Request get(const Request& request) { return request; }
 };
 
-struct RefusingConvertor {
-    static bool toString(int, std::string&) { return false; }
+struct RecordTrait {
+    using Type = Refused::Request;
+    static constexpr const char* tag = "Record";
+    static constexpr const char* valueTag = "Value";
+    using Value = serializer::NamedTextTrait<Type, &valueTag, false, Refused>;
+    using Children = TypeList<serializer::Child<Value, &Refused::get, nullptr>>;
 };
 
 struct RefusedTrait {
     using Type = Refused::Request;
     static constexpr const char* tag = "Refused";
-    static int getNumber(const Type&) { return 7; }
-    using Number = velta::utilities::serializer::TextTrait<int, RefusingConvertor>;
-    using Children = TypeList<velta::utilities::serializer::Child<Number, &getNumber, nullptr>>;
+    using Children = TypeList<serializer::Child<RecordTrait, &Refused::get, nullptr>>;
 };
 
 using RefusingSerializer = velta::zub::cmdfrmwrk::XmlSerializer<
@@ -44,31 +47,36 @@ TEST(CommandClient, SendsNothingIfTheRequestCannotBeSerialized) {
     const SocketPair pair;
     Client client(new Link(pair.takeNear()));
     GetAudioTs::Answer answer;
-    EXPECT_EQ((client.executeCommand<Refused, RefusingSerializer>({}, answer).format()),
-              "Serializer error (Code 5903): {Conversion failed (Code 71): Unable to convert \"7\" "
-              "to string. (While serializing \"Refused\")}");
+    const auto request = Refused::Request::Unwritable;
+    EXPECT_EQ((client.executeCommand<Refused, RefusingSerializer>(request, answer).format()),
+              "Serializer error (Code 5903): {Conversion failed (Code 71): Unable to convert \"9\" "
+              "to string. (While serializing \"Value\") (While serializing \"Record\") (While "
+              "serializing \"Refused\")}");
     EXPECT_EQ(pair.receive(), "");
     std::string text = "left over";
-    EXPECT_TRUE(RefusingSerializer().serialize(Refused::Request{}, text).isFailure());
+    EXPECT_TRUE(RefusingSerializer().serialize(request, text).isFailure());
     EXPECT_EQ(text, "");
 }
 
 TEST(CommandClient, StaysUsableUntilItsLinkIsClosed) {
-    const SocketPair pair;
+    std::signal(SIGPIPE, SIG_IGN);
+    // A packet socket keeps writes separate.
+    const SocketPair pair(SOCK_SEQPACKET);
     Link* const link = new Link(pair.takeNear());
     Client client(link);
     GetAudioTs::Answer answer;
     const auto run = [&] {
-        return client.executeCommand<GetAudioTs, Serializer>({}, answer).format();
+        return client.executeCommand<GetAudioTs, velta::zub::lipsync::Serializer>({}, answer)
+            .format();
     };
     pair.send("rubbish\n\n" + tests::timestampsFrame("1", "2", "3", "4"));
     EXPECT_EQ(run(),
               "Serializer error (Code 5903): {Conversion failed (Code 71): No 'AZUB' root element "
               "found in xml data.}");
+    EXPECT_EQ(pair.receive(), tests::frame("<GetAudioTs_Request />"));
     EXPECT_EQ(answer.result.format(), "Unknown error (Code 1001)");
     EXPECT_EQ(run(), "Success");
     EXPECT_EQ(answer.timestamps.jbmCurrentDepth, 4UL);
-    std::signal(SIGPIPE, SIG_IGN);
     link->close();
     EXPECT_EQ(run(),
               "Connection closed (Code 5904): {Protocol is closed. (Code 40004): {Closed (Code "
