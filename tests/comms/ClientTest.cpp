@@ -24,27 +24,18 @@ std::string failure(const std::string& what, int error) {
            std::to_string(error) + ")}";
 }
 
-// The result of `connect`, which must not leak a link or a descriptor.
-template <typename Connect>
-std::string outcome(const Connect& connect) {
+// The result of connecting to a path or, with a port, to a host. No link or descriptor may leak.
+std::string connectTo(const std::string& server, int port = -1) {
     const auto before = tests::openDescriptors();
     Link* link = reinterpret_cast<Link*>(1);
-    const comms::Client::Result result = connect(link);
+    const comms::Client::Result result =
+        port < 0 ? comms::Client::connectUnixServer(server.c_str(), link)
+                 : comms::Client::connectTcpServer(server.c_str(), port, link);
     EXPECT_EQ(result.isSuccess(), link != nullptr);
     delete link;
     EXPECT_EQ(tests::openDescriptors(), before);
     tests::systemCalls = {};
     return result.format();
-}
-
-std::string connectUnix(const std::string& path) {
-    return outcome(
-        [&](Link*& link) { return comms::Client::connectUnixServer(path.c_str(), link); });
-}
-
-std::string connectTcp(const std::string& host, int port) {
-    return outcome(
-        [&](Link*& link) { return comms::Client::connectTcpServer(host.c_str(), port, link); });
 }
 
 } // namespace
@@ -55,9 +46,9 @@ TEST(CommsClient, UsesOnlyTheFirst108BytesOfAPath) {
     std::string path = directory.path() + "/";
     path.append(108 - path.size(), 'p');
     const tests::Listener listener(path);
-    EXPECT_EQ(connectUnix(path), "Success");
-    EXPECT_EQ(connectUnix(path + "more"), "Success");
-    EXPECT_EQ(connectUnix(path.substr(0, 107)),
+    EXPECT_EQ(connectTo(path), "Success");
+    EXPECT_EQ(connectTo(path + "more"), "Success");
+    EXPECT_EQ(connectTo(path.substr(0, 107)),
               failure("Unable to connect to " + path.substr(0, 107), ENOENT));
 }
 
@@ -75,21 +66,21 @@ TEST(CommsClient, ConnectsToTcpPortsModulo65536) {
     const int port = ntohs(address.sin_port);
     const std::string target = "127.0.0.1:" + std::to_string(port);
 
-    EXPECT_EQ(connectTcp("127.0.0.1", port),
+    EXPECT_EQ(connectTo("127.0.0.1", port),
               failure("Unable to connect to " + target, ECONNREFUSED));
     tests::systemCalls = {Call::ParseAddress, 0, 1, EAFNOSUPPORT};
-    EXPECT_EQ(connectTcp("127.0.0.1", port), "Connection has failed (Code 20002): Bad server IP");
+    EXPECT_EQ(connectTo("127.0.0.1", port), "Connection has failed (Code 20002): Bad server IP");
     tests::systemCalls = {Call::Socket, 0, 1, EMFILE};
-    EXPECT_EQ(connectTcp("127.0.0.1", port),
+    EXPECT_EQ(connectTo("127.0.0.1", port),
               failure("Unable to create socket to " + target, EMFILE));
     // The client reads errno only after it has closed the socket.
     tests::systemCalls = {Call::Close, 0, 1, EIO};
-    EXPECT_EQ(connectTcp("127.0.0.1", port), failure("Unable to connect to " + target, EIO));
+    EXPECT_EQ(connectTo("127.0.0.1", port), failure("Unable to connect to " + target, EIO));
 
     ASSERT_EQ(listen(listener, 4), 0);
-    EXPECT_EQ(connectTcp("127.0.0.1", port), "Success");
-    EXPECT_EQ(connectTcp("127.0.0.1", port + 65536), "Success");
+    EXPECT_EQ(connectTo("127.0.0.1", port), "Success");
+    EXPECT_EQ(connectTo("127.0.0.1", port + 65536), "Success");
     // A host that is not an address is taken as 0.0.0.0, which is this machine.
-    EXPECT_EQ(connectTcp("localhost", port), "Success");
+    EXPECT_EQ(connectTo("localhost", port), "Success");
     close(listener);
 }
