@@ -52,15 +52,10 @@ struct Connection {
     Service service;
 };
 
-// The result of one exchange in which the engine gives this answer.
-std::string answered(const std::string& call, const std::string& answer) {
-    Connection connection({answer});
-    if (call == "margin") {
-        return connection.service.setAudioDelayMargin(40).format();
-    }
-    LipSyncNtpTimestamps timestamps = callersValues;
-    const std::string result = connection.service.getAudioTimestamps(timestamps).format();
-    return result + " | " + values(timestamps);
+unsigned long marginOf(const Service& service) {
+    unsigned long marginMs = 7;
+    EXPECT_TRUE(service.getAudioDelayMargin(marginMs).isSuccess());
+    return marginMs;
 }
 
 // One log line as written to the platform's log and to standard error.
@@ -109,9 +104,7 @@ TEST(Service, ConnectsAgainOnlyAfterDisconnecting) {
     EXPECT_EQ(first.received(), delayRequest("60") + delayRequest("40"));
 
     EXPECT_EQ(service.connect(second.path()).format(), "Success");
-    unsigned long marginMs = 0;
-    EXPECT_EQ(service.getAudioDelayMargin(marginMs).format(), "Success");
-    EXPECT_EQ(marginMs, 40UL);
+    EXPECT_EQ(marginOf(service), 40UL);
 }
 
 TEST(Service, AnswersWithoutTheEngineIfItCan) {
@@ -120,18 +113,16 @@ TEST(Service, AnswersWithoutTheEngineIfItCan) {
     Service& service = connection.service;
     unsigned long granularityMs = 0;
     unsigned long maxMs = 0;
-    unsigned long marginMs = 7;
     EXPECT_EQ(logOf([&] {
                   EXPECT_TRUE(service.getCapabilities(granularityMs, maxMs).isSuccess());
-                  EXPECT_TRUE(service.getAudioDelayMargin(marginMs).isSuccess());
                   EXPECT_TRUE(service.setVideoTimestamps(callersValues).isSuccess());
+                  EXPECT_EQ(marginOf(service), 0UL);
               }),
               "");
     EXPECT_EQ(granularityMs, 20UL);
     EXPECT_EQ(maxMs, 100UL);
     EXPECT_EQ(Service::capabilityGranularityMs, granularityMs);
     EXPECT_EQ(Service::capabilityMaxAudioDelayMargin, maxMs);
-    EXPECT_EQ(marginMs, 0UL);
     service.disconnect();
     EXPECT_EQ(connection.engine.received(), "");
 }
@@ -149,17 +140,13 @@ TEST(Service, ChecksMarginsBeforeItSendsThem) {
         {0, "Success", 0},
         {100, "Success", 100},
         {101, invalid + "101 is not in range [0..100]", 100},
-        {1020, invalid + "1020 is not in range [0..100]", 100},
         {10, invalid + "10 doesn't match  granularity of 20ms.", 100},
-        {90, invalid + "90 doesn't match  granularity of 20ms.", 100},
         {40, "The AZUB is not performing a call (Code 1007): {Bad state (Code 1003)}", 100},
         {60, closedByDistant, 100},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(service.setAudioDelayMargin(c.delayMs).format(), c.result);
-        unsigned long marginMs = 7;
-        service.getAudioDelayMargin(marginMs);
-        EXPECT_EQ(marginMs, c.marginAfter) << c.delayMs;
+        EXPECT_EQ(marginOf(service), c.marginAfter) << c.delayMs;
     }
     service.disconnect();
     EXPECT_EQ(connection.engine.received(),
@@ -169,17 +156,23 @@ TEST(Service, ChecksMarginsBeforeItSendsThem) {
 TEST(Service, TurnsAnswersIntoResults) {
     SKIP_WITHOUT_SOCKET_FILES();
     std::ifstream table(tests::sourceFile("tests/lipsyncapi/answers.txt"));
-    std::string call;
-    std::string answer;
-    std::string expected;
     int rows = 0;
-    while (std::getline(table, call)) {
+    for (std::string call, answer, expected; std::getline(table, call);) {
         if (call.empty() || call[0] == '#') {
             continue;
         }
         std::getline(table, answer);
         std::getline(table, expected);
-        EXPECT_EQ(answered(call, answer + "\n\n"), expected) << answer;
+        Connection connection({answer + "\n\n"});
+        LipSyncNtpTimestamps timestamps = callersValues;
+        std::string result;
+        if (call == "margin") {
+            result = connection.service.setAudioDelayMargin(40).format();
+        } else {
+            result = connection.service.getAudioTimestamps(timestamps).format();
+            result += " | " + values(timestamps);
+        }
+        EXPECT_EQ(result, expected) << answer;
         ++rows;
     }
     EXPECT_GT(rows, 40);
@@ -233,17 +226,12 @@ TEST(Service, CancelEndsABlockedExchangeAndAllLaterOnes) {
     Service service;
     service.cancel();
     EXPECT_EQ(service.connect(directory.path() + "/engine").format(), "Success");
-    EXPECT_EQ(logOf([&] {
-                  std::thread watchdog([&] {
-                      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-                      service.cancel();
-                  });
-                  EXPECT_EQ(service.setAudioDelayMargin(20).format(), cancelled);
-                  watchdog.join();
-              }),
-              line("Client is setting the audio delay margin with input params: delayMs=20  with "
-                   "result: " +
-                   cancelled));
+    std::thread watchdog([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        service.cancel();
+    });
+    EXPECT_EQ(service.setAudioDelayMargin(20).format(), cancelled);
+    watchdog.join();
     LipSyncNtpTimestamps timestamps = callersValues;
     EXPECT_EQ(service.getAudioTimestamps(timestamps).format(), cancelled);
     EXPECT_EQ(values(timestamps), "5 6 7 8");
