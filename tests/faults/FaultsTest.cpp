@@ -223,12 +223,13 @@ TEST(Faults, AFailingAllocationThrowsOrKeepsTheResultAndLeaksNothing) {
     }
 }
 
-TEST(Faults, ASuccessAllocatesNoMemory) {
-    const Service::Result success = Service::Result::success();
+TEST(Faults, ASuccessAllocatesNoMemoryAndHasNoTextAfterConversion) {
+    Service::Result success = Service::Result::success();
+    success << "text";
     const long before = memory.allocations;
-    Service::Result copy = Service::ResultCode::UnknownError;
-    copy = Service::Result(success, Service::ResultCode::TransportError, success.code);
-    EXPECT_EQ(copy.format(), "Success");
+    const Service::Result copy(success, Service::ResultCode::TransportError, success.code);
+    EXPECT_EQ(success.format(), "Success");
+    EXPECT_EQ(copy.getMainMessage(), "");
     EXPECT_EQ(memory.allocations, before);
 }
 

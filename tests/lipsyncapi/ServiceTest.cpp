@@ -107,26 +107,6 @@ TEST(Service, ConnectsAgainOnlyAfterDisconnecting) {
     EXPECT_EQ(marginOf(service), 40UL);
 }
 
-TEST(Service, AnswersWithoutTheEngineIfItCan) {
-    SKIP_WITHOUT_SOCKET_FILES();
-    Connection connection({});
-    Service& service = connection.service;
-    unsigned long granularityMs = 0;
-    unsigned long maxMs = 0;
-    EXPECT_EQ(logOf([&] {
-                  EXPECT_TRUE(service.getCapabilities(granularityMs, maxMs).isSuccess());
-                  EXPECT_TRUE(service.setVideoTimestamps(callersValues).isSuccess());
-                  EXPECT_EQ(marginOf(service), 0UL);
-              }),
-              "");
-    EXPECT_EQ(granularityMs, 20UL);
-    EXPECT_EQ(maxMs, 100UL);
-    EXPECT_EQ(Service::capabilityGranularityMs, granularityMs);
-    EXPECT_EQ(Service::capabilityMaxAudioDelayMargin, maxMs);
-    service.disconnect();
-    EXPECT_EQ(connection.engine.received(), "");
-}
-
 TEST(Service, ChecksMarginsBeforeItSendsThem) {
     SKIP_WITHOUT_SOCKET_FILES();
     Connection connection({delayFrame("1000"), delayFrame("1000"), delayFrame("1003")});
@@ -178,34 +158,47 @@ TEST(Service, TurnsAnswersIntoResults) {
     EXPECT_GT(rows, 40);
 }
 
-TEST(Service, LogsOneLinePerCall) {
+TEST(Service, LogsOneLineForEachCallUnlessItIsAnsweredAtOnce) {
     SKIP_WITHOUT_SOCKET_FILES();
     EngineDouble engine(
         {delayFrame("1000"), timestampsFrame("18446744073709551615", "2000", "3", "4")});
     Service service;
+    unsigned long granularityMs = 0;
+    unsigned long maxMs = 0;
     LipSyncNtpTimestamps timestamps = callersValues;
-    EXPECT_EQ(logOf([&] { service.getAudioTimestamps(timestamps); }),
-              line("Client is requesting the NTP timestamp with output params: "
-                   "audioCaptureTimestamp=5 audioRenderingTimestamp=6 audioReceivingTimestamp=7 "
-                   "jbmCurrentDepth=8  with result: " +
-                   notConnected));
-    EXPECT_EQ(logOf([&] { service.connect("/100%s\nx"); }),
-              line("Client is connecting with input params: lipsyncSocketName={\n/100%s\nx}\n with "
-                   "result: Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code "
-                   "20002): Unable to connect to /100%s\nx {No such file or directory (Code 2)}}"));
-    EXPECT_EQ(logOf([&] { service.connect(engine.path()); }),
-              line("Client is connecting with input params: lipsyncSocketName=" + engine.path() +
-                   "  with result: Success"));
-    EXPECT_EQ(logOf([&] { service.setAudioDelayMargin(40); }),
-              line("Client is setting the audio delay margin with input params: delayMs=40  with "
-                   "result: Success"));
-    EXPECT_EQ(logOf([&] { service.getAudioTimestamps(timestamps); }),
-              line("Client is requesting the NTP timestamp with output params: "
-                   "audioCaptureTimestamp=18446744073709551615 audioRenderingTimestamp=2000 "
-                   "audioReceivingTimestamp=3 jbmCurrentDepth=4  with result: Success"));
-    EXPECT_EQ(logOf([&] { service.disconnect(); }),
-              line("Client is disconnected with result: Success"));
+    const std::string log = logOf([&] {
+        service.getAudioTimestamps(timestamps);
+        service.connect("/100%s\nx");
+        service.connect(engine.path());
+        EXPECT_TRUE(service.getCapabilities(granularityMs, maxMs).isSuccess());
+        EXPECT_TRUE(service.setVideoTimestamps(callersValues).isSuccess());
+        EXPECT_EQ(marginOf(service), 0UL);
+        service.setAudioDelayMargin(40);
+        service.getAudioTimestamps(timestamps);
+        service.disconnect();
+    });
+    EXPECT_EQ(
+        log, line("Client is requesting the NTP timestamp with output params: "
+                  "audioCaptureTimestamp=5 audioRenderingTimestamp=6 audioReceivingTimestamp=7 "
+                  "jbmCurrentDepth=8  with result: " +
+                  notConnected) +
+                 line("Client is connecting with input params: lipsyncSocketName={\n/100%s\nx}\n "
+                      "with result: Cannot connect to Audio ZUB (Code 1004): {Connection has "
+                      "failed (Code 20002): Unable to connect to /100%s\nx {No such file or "
+                      "directory (Code 2)}}") +
+                 line("Client is connecting with input params: lipsyncSocketName=" + engine.path() +
+                      "  with result: Success") +
+                 line("Client is setting the audio delay margin with input params: delayMs=40  "
+                      "with result: Success") +
+                 line("Client is requesting the NTP timestamp with output params: "
+                      "audioCaptureTimestamp=18446744073709551615 audioRenderingTimestamp=2000 "
+                      "audioReceivingTimestamp=3 jbmCurrentDepth=4  with result: Success") +
+                 line("Client is disconnected with result: Success"));
     EXPECT_EQ(engine.received(), delayRequest("40") + tests::frame("<GetAudioTs_Request />"));
+    EXPECT_EQ(granularityMs, 20UL);
+    EXPECT_EQ(maxMs, 100UL);
+    EXPECT_EQ(Service::capabilityGranularityMs, granularityMs);
+    EXPECT_EQ(Service::capabilityMaxAudioDelayMargin, maxMs);
     EXPECT_EQ(logOf([] { const Service fresh; }),
               line("Client is disconnected with result: " + notConnected));
     EXPECT_NE(logOf([&] { service.connect(); })

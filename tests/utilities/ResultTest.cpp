@@ -72,12 +72,3 @@ TEST(Result, TextsMatchTheDocumentation) {
     }
     EXPECT_EQ(rows, 43);
 }
-
-TEST(Result, ASuccessHasNoTextsEvenAfterConversion) {
-    Link::Result success = Link::Result::success();
-    success << "text" << Result<ErrnoTrait>(EPIPE);
-    EXPECT_EQ(success.format(), "Success");
-    const Service::Result converted(success, Service::ResultCode::TransportError,
-                                    Service::ResultCode::Success);
-    EXPECT_EQ(converted.format() + converted.getMainMessage(), "Success");
-}
