@@ -9,29 +9,27 @@ using Verdict = Freshness::Verdict;
 namespace {
 
 // Readings ten times a second.
-class Engine {
-public:
+struct Engine {
     // How the next reading is judged, of sound that was received at this time of the engine's
     // clock.
     Verdict read(double receivedMs) {
         Freshness::Timestamps timestamps;
         timestamps.audioReceivingTimestamp = ntpAddMs(0, receivedMs);
-        return _freshness.judge(Freshness::Time(std::chrono::milliseconds(_nowMs += 100)),
-                                timestamps);
+        return freshness.judge(Freshness::Time(std::chrono::milliseconds(nowMs += 100)),
+                               timestamps);
     }
 
     // Reads for some seconds, in each of which the clock gains `gainMs`. Returns the last verdict.
     Verdict readFor(int seconds, double aheadMs, double gainMs = 0) {
         Verdict verdict = Verdict::Fresh;
         for (int i = 1; i <= 10 * seconds; ++i) {
-            verdict = read(_nowMs + 100 + aheadMs + gainMs * i / 10);
+            verdict = read(nowMs + 100 + aheadMs + gainMs * i / 10);
         }
         return verdict;
     }
 
-private:
-    Freshness _freshness;
-    int _nowMs = 0;
+    Freshness freshness;
+    int nowMs = 0;
 };
 
 } // namespace

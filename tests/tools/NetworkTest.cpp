@@ -1,12 +1,14 @@
 #include <chrono>
 #include <fstream>
 
+#include "avsync/Ntp.h"
 #include "tests/tools/Engine.h"
 #include "tools/azubsim/AudioEngine.h"
 
 using azubsim::AudioEngine;
 using azubsim::Timestamps;
 using std::chrono::milliseconds;
+using velta::zub::avsync::ntpMsBetween;
 
 namespace {
 
@@ -21,10 +23,6 @@ protected:
 
     const std::string file = directory.path() + "/network.csv";
 };
-
-double ms(std::uint64_t earlier, std::uint64_t later) {
-    return static_cast<double>(static_cast<std::int64_t>(later - earlier)) / 4294967.296;
-}
 
 } // namespace
 
@@ -45,8 +43,8 @@ TEST_F(Network, IsFollowedByTimeAndAgain) {
         SCOPED_TRACE(afterMs);
         Timestamps result;
         engine.timestamps(start + milliseconds(afterMs), result);
-        EXPECT_NEAR(ms(result.capture, result.rendering), audioMs + 40, 1e-3);
-        EXPECT_NEAR(ms(result.receiving, result.rendering), waitMs + 40, 1e-3);
+        EXPECT_NEAR(ntpMsBetween(result.capture, result.rendering), audioMs + 40, 1e-3);
+        EXPECT_NEAR(ntpMsBetween(result.receiving, result.rendering), waitMs + 40, 1e-3);
         EXPECT_EQ(result.jitterDepthMs, depthMs);
     };
     for (const int afterMs : {-500, 0, 99, 500, 500000}) {
