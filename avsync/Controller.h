@@ -64,7 +64,7 @@ public:
         // What was asked for may need some time, or be refused, and pictures are held back almost
         // as asked. So what is in force says only how the reading came about.
         const Correction kept = _asked.value_or(inForce);
-        const double passed = seconds(now - _updated);
+        const double passed = _updated ? seconds(now - *_updated) : longestInterval;
         if (!isPlausible(reading, inForce) || (_pictures.isKnown() && passed < shortestInterval)) {
             return kept;
         }
@@ -73,7 +73,7 @@ public:
         }
         _updated = now;
         _asked = kept;
-        measure(now, std::min(passed, longestInterval), reading, inForce);
+        measure(now, std::clamp(passed, 0.0, longestInterval), reading, inForce);
         if (!_audio.isKnown()) {
             return kept;
         }
@@ -220,7 +220,7 @@ private:
     unsigned long _maxMarginMs;
     Latency _audio{audioTrendMemory};
     Latency _pictures{pictureTrendMemory};
-    Time _updated;
+    std::optional<Time> _updated;
     std::optional<Correction> _asked;
     double _missed = 0;             // Seconds outside the window.
     double _recent = 0;             // The number of changes; it forgets.
