@@ -15,7 +15,10 @@ public:
 
     /// For a new connection or a new call.
     void restart() {
-        useMargins(true);
+        if (!_usesMargins) {
+            useMargins(true);
+        }
+        _controller.restart();
         _marginRetry = Time();
         _refusal.clear();
     }
@@ -24,13 +27,12 @@ public:
         if (!_usesMargins && maySetMargin(now)) {
             useMargins(true);
         }
-        if (_usesMargins) {
-            return _controller.update(now, reading, inForce);
-        }
-        // The margin counts as a part of the sound's latency.
-        return {
-            inForce.marginMs,
-            _pictureController.update(now, reading, {0, inForce.pictureDelayMs}).pictureDelayMs};
+        // A margin that cannot be changed counts as a part of the sound's latency.
+        const unsigned long fixedMs = _usesMargins ? 0 : inForce.marginMs;
+        Correction wanted =
+            _controller.update(now, reading, {inForce.marginMs - fixedMs, inForce.pictureDelayMs});
+        wanted.marginMs += fixedMs;
+        return wanted;
     }
 
     bool maySetMargin(Time now) const { return now >= _marginRetry; }
@@ -51,16 +53,20 @@ public:
 private:
     static constexpr std::chrono::seconds marginPause{5};
 
+    // A new controller begins with what is in force, not with what it last asked for.
     void useMargins(bool areUsed) {
         _usesMargins = areUsed;
-        _controller.restart();
-        _pictureController.restart();
+        _controller = makeController(areUsed);
     }
 
-    Controller _controller{lipsyncapi::Service::capabilityGranularityMs,
-                           lipsyncapi::Service::capabilityMaxAudioDelayMargin};
-    Controller _pictureController{lipsyncapi::Service::capabilityGranularityMs, 0};
+    static Controller makeController(bool usesMargins) {
+        using Service = lipsyncapi::Service;
+        return {Service::capabilityGranularityMs,
+                usesMargins ? Service::capabilityMaxAudioDelayMargin : 0u};
+    }
+
     bool _usesMargins = true;
+    Controller _controller = makeController(true);
     Time _marginRetry;
     std::string _refusal;
 };
