@@ -65,8 +65,8 @@ private:
 
     template <typename Call>
     Answer exchange(const Call& call) {
-        const auto limit = _state.limit();
-        const std::unique_lock<ExchangeMutex> lock(exchangeLock(), limit);
+        const std::unique_lock<ExchangeMutex> lock(exchangeLock(), _state.limit());
+        const auto limit = _state.limit(); // The engine has no part in the wait for the lock.
         if (!lock.owns_lock() || limit <= std::chrono::steady_clock::now()) {
             _message = "An exchange with another engine takes too long";
             return Answer::Busy;
