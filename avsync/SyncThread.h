@@ -5,7 +5,7 @@
 #include <cmath>
 #include <csignal>
 #include <new>
-#include <string>
+#include <string_view>
 #include <utility>
 
 #include "avsync/Engine.h"
@@ -51,8 +51,7 @@ private:
     static constexpr Milliseconds shortest{1};
     static constexpr Milliseconds shortestPause{100};
     static constexpr Milliseconds longestPause{2000};
-    static constexpr Milliseconds longestRefusalPause{1000};
-    static constexpr Milliseconds callPause{1000};
+    static constexpr Milliseconds askingPause{1000}; // Outside a call; when refused, the longest.
     static constexpr std::chrono::seconds longestGap{1}; // Without a picture or a reading.
     static constexpr double toleranceMs = 5;             // Pictures are held back almost as asked.
 
@@ -139,13 +138,12 @@ private:
         suspend(_engine.message());
         _isInCall = _isInCall && answer != Answer::NotInCall;
         if (answer == Answer::Refused) {
-            return std::exchange(_refusalPause, std::min(2 * _refusalPause, longestRefusalPause));
+            return std::exchange(_refusalPause, std::min(2 * _refusalPause, askingPause));
         }
-        return answer == Answer::NotInCall ? callPause : _options.interval;
+        return answer == Answer::NotInCall ? askingPause : _options.interval;
     }
 
-    template <typename Text>
-    Duration reconnect(const Text& reason) {
+    Duration reconnect(std::string_view reason) {
         _engine.disconnect();
         _status.isConnected = false;
         suspend(reason);
@@ -153,9 +151,11 @@ private:
     }
 
     Answer setMargin(unsigned long ms) {
+        _mayHaveMargin = _mayHaveMargin || ms != 0;
         const Answer answer = _engine.setMargin(ms);
         if (answer == Answer::Success) {
             _status.marginMs = ms;
+            _mayHaveMargin = ms != 0;
             _isMarginSet = true;
             _steering.acceptMargin();
         } else if (answer == Answer::Refused) {
@@ -175,14 +175,13 @@ private:
         }
         // An engine may have new timestamps less often than they are read.
         if (now - _status.read > longestGap) {
-            const bool isFrozen = verdict == Freshness::Verdict::Frozen;
-            suspend(isFrozen ? "The timestamps do not change" : "The timestamps are old");
+            suspend(verdict == Freshness::Verdict::Frozen ? "The timestamps do not change"
+                                                          : "The timestamps are old");
         }
         return _options.interval;
     }
 
-    template <typename Text>
-    void suspend(const Text& reason) {
+    void suspend(std::string_view reason) {
         _status.isSteered = false;
         _status.message = reason;
     }
@@ -229,7 +228,7 @@ private:
     }
 
     void resetMargin() {
-        if (_options.resetsMargin && _status.marginMs != 0 &&
+        if (_options.resetsMargin && _mayHaveMargin &&
             (_engine.isConnected() || _engine.connect())) {
             setMargin(0);
         }
@@ -242,7 +241,8 @@ private:
     Steering _steering;
     LipSyncStatus _status;
     bool _isInCall = true;
-    bool _isMarginSet = false; // On this connection and in this call.
+    bool _isMarginSet = false;   // On this connection and in this call.
+    bool _mayHaveMargin = false; // The engine, even if it has not confirmed it.
     Milliseconds _reconnectPause = shortestPause;
     Milliseconds _refusalPause = shortestPause;
 };
