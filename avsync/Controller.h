@@ -38,12 +38,12 @@ struct Correction {
 ///   move the pictures, and the margin moves when the pictures cannot help: for early sound.
 /// - The price rises with the number of recent changes, and falls with the time already spent
 ///   outside. So noise and networks that no rule can follow do not cause a change in each reading.
-/// - Delay costs too, most of all if sound and pictures are both delayed. So the delays stay small,
-///   and a large change waits a little, because a jump of the network may be over soon.
+/// - Delay costs too, most of all if sound and pictures are both delayed. So the delays stay small.
 ///
-/// What it costs: a clear change is answered after two readings (the median of three), sound that
-/// stays early by less than the window only by the margin's steps, and between changes the skew
-/// moves freely inside the window. docs/performance.md compares it with other rules.
+/// What it costs: sound that becomes late is answered after two readings (the median of three), and
+/// sound that becomes early after half a second more, because the margin has to pay. Between
+/// changes the skew moves freely inside the window, and noise near its edge leads outside for
+/// moments. docs/performance.md compares it with other rules.
 class Controller {
 public:
     /// Any start will do: only differences count.

@@ -51,10 +51,11 @@ struct LipSyncOptions {
     /// one without pictures.
     bool resetsMargin = true;
 
-    /// Called with the status after each reading, and after each attempt that gave none: then the
-    /// message says why. May be empty. It runs in the thread of the `LipSync`, which waits for it,
-    /// so it should be quick. It must not throw. It may call all functions of the `LipSync`, and
-    /// even destroy it. It may run before the constructor has returned, but not after `stop` has.
+    /// Called with the status after each attempt to take a reading; `readings` tells whether it
+    /// gave one. Not called when memory has run out. May be empty. It runs in the thread of the
+    /// `LipSync`, which waits for it, so it should be quick. It must not throw. It may call all
+    /// functions of the `LipSync`, and even destroy it. It may run before the constructor has
+    /// returned, but not after `stop` has.
     std::function<void(const LipSyncStatus&)> onReading;
 };
 
