@@ -152,7 +152,6 @@ TEST(Controller, AsksForTheRightCorrectionOnce) {
         {"sound 80 ms later", 200, 80, 1, 31.5, 0},
         {"sound 80 ms earlier", 200, -80, 1, 31.5, 80},
         {"pictures 80 ms later", 200, 0, 1, 31.5, 80, &Call::pictureStepMs, 80},
-        {"pictures 80 ms earlier", 200, 0, 1, 31.5, 0, &Call::pictureStepMs, -80},
         {"sound 80 ms early, then in step, with a slow engine", 120, 80, 3, 36, 0,
          &Call::engineMsPerSecond, 20},
         // What is asked must not follow a display's times: it would be delayed by the next one.

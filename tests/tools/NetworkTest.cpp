@@ -40,7 +40,6 @@ TEST_F(Network, IsFollowedByTimeAndAgain) {
     engine.startNetwork(start + milliseconds(200));
     engine.setMargin(40, start);
     const auto expect = [&](int afterMs, double audioMs, double waitMs, std::uint64_t depthMs) {
-        SCOPED_TRACE(afterMs);
         Timestamps result;
         engine.timestamps(start + milliseconds(afterMs), result);
         EXPECT_NEAR(ntpMsBetween(result.capture, result.rendering), audioMs + 40, 1e-3);
@@ -53,7 +52,6 @@ TEST_F(Network, IsFollowedByTimeAndAgain) {
     expect(500100, 200, 110.6, 101);
     expect(299, 200, 110.6, 101);
     expect(300, 100, 100, 95);
-    expect(499, 100, 100, 95);
 }
 
 TEST_F(Network, BeginsWithTheFirstClientAndEndsWithACommand) {
