@@ -24,8 +24,8 @@ namespace velta::zub::avsync {
 ///         const Watchdog::Deadline deadline(watchdog, Watchdog::Clock::now() + 500ms);
 ///         result = service.getAudioTimestamps(timestamps);
 ///     }
-///     if (watchdog.ending() == Watchdog::Ending::Limit) ... // Whatever the result says:
-///     reconnect.
+///     // Whatever the result says:
+///     if (watchdog.ending() == Watchdog::Ending::Limit) reconnect();
 ///
 /// Costs a thread that sleeps while the calls are in time. Starting it throws what `std::thread`
 /// throws.
