@@ -33,8 +33,9 @@ public:
         do {
             Duration pause = _options.interval;
             unlessOutOfMemory([&] { pause = step(); }, [&] { pause = giveUp(); });
-            // After a slow answer, skip the missed readings.
-            next = std::max(next + std::max<Duration>(pause, shortest), Clock::now());
+            // After a slow answer, skip the missed readings; after a time-out, pause all the same.
+            const Time start = _engine.isConnected() ? next : Clock::now();
+            next = std::max(start + std::max<Duration>(pause, shortest), Clock::now());
         } while (_state.sleepUntil(next));
         unlessOutOfMemory([this] { resetMargin(); }, [] {});
         _engine.disconnect();
@@ -210,11 +211,9 @@ private:
     // The pictures wait until the engine has confirmed the margin: both belong together.
     Duration apply(const Correction& correction) {
         const bool isHeard = correction.marginMs != _status.marginMs;
-        if (isHeard) {
-            const Answer answer = setMargin(correction.marginMs);
-            if (answer != Answer::Success) {
-                return answer == Answer::Refused ? _options.interval : pauseAfter(answer);
-            }
+        const Answer answer = isHeard ? setMargin(correction.marginMs) : Answer::Success;
+        if (answer != Answer::Success) {
+            return answer == Answer::Refused ? _options.interval : pauseAfter(answer);
         }
         const bool isSeen =
             std::abs(correction.pictureDelayMs - _status.pictureDelayMs) >= toleranceMs;
