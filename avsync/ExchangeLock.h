@@ -10,6 +10,7 @@ namespace velta::zub::avsync {
 /// `std::timed_mutex` it is understood by all versions of ThreadSanitizer.
 class ExchangeMutex {
 public:
+    /// Blocks until it is unlocked.
     void lock() {
         std::unique_lock<std::mutex> lock(_mutex);
         _unlocked.wait(lock, [this] { return !_isLocked; });
@@ -26,6 +27,7 @@ public:
         return true;
     }
 
+    /// Lets the next one lock it.
     void unlock() {
         {
             const std::lock_guard<std::mutex> lock(_mutex);

@@ -9,7 +9,7 @@
 #include "avsync/ExchangeLock.h"
 #include "avsync/LipSyncTypes.h"
 #include "avsync/Ntp.h"
-#include "avsync/SyncThread.h"
+#include "avsync/details/SyncThread.h"
 
 namespace velta::zub::avsync {
 
@@ -56,8 +56,8 @@ namespace velta::zub::avsync {
 /// before `main` returns. SIGPIPE needs no care.
 class LipSync {
 public:
-    using Options = LipSyncOptions;
-    using Status = LipSyncStatus;
+    using Options = LipSyncOptions; ///< How it works.
+    using Status = LipSyncStatus;   ///< What it is doing.
 
     /// Starts the threads and returns at once. Throws only what `std::thread` and the allocation of
     /// memory throw.

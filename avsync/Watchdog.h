@@ -31,8 +31,8 @@ namespace velta::zub::avsync {
 /// throws.
 class Watchdog {
 public:
-    using Clock = std::chrono::steady_clock;
-    using Time = Clock::time_point;
+    using Clock = std::chrono::steady_clock; ///< The clock of its limits.
+    using Time = Clock::time_point;          ///< The time at which a call must be over.
 
     /// A deadline for calls without a limit. Only `stop` ends them.
     static constexpr Time never = Time::max();

@@ -1,4 +1,4 @@
-#include "avsync/Freshness.h"
+#include "avsync/details/Freshness.h"
 
 #include <gtest/gtest.h>
 

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "avsync/ExchangeLock.h"
-#include "avsync/SyncState.h"
 #include "avsync/Watchdog.h"
+#include "avsync/details/SyncState.h"
 #include "lipsyncapi/Service.h"
 
 namespace velta::zub::avsync::details {

@@ -8,12 +8,12 @@
 #include <string_view>
 #include <utility>
 
-#include "avsync/Engine.h"
-#include "avsync/Freshness.h"
 #include "avsync/LipSyncTypes.h"
 #include "avsync/Ntp.h"
-#include "avsync/Steering.h"
-#include "avsync/SyncState.h"
+#include "avsync/details/Engine.h"
+#include "avsync/details/Freshness.h"
+#include "avsync/details/Steering.h"
+#include "avsync/details/SyncState.h"
 
 namespace velta::zub::avsync::details {
 
