@@ -28,9 +28,6 @@ if(ZUBLIPSYNCAPI_AZUBSIM)
     else()
         find_package(pugixml REQUIRED)
     endif()
-    # Without libedit the console has no line editing.
-    find_path(LIBEDIT_INCLUDE_DIR histedit.h)
-    find_library(LIBEDIT_LIBRARY edit)
 endif()
 
 if(ZUBLIPSYNCAPI_LIPSYNCCTL)

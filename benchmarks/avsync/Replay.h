@@ -6,7 +6,7 @@
 
 #include "avsync/Controller.h"
 #include "avsync/Window.h"
-#include "tools/azubsim/Network.h"
+#include "tools/azubsim/engine/Network.h"
 
 namespace benchmarks {
 

@@ -22,10 +22,7 @@ const struct {
              {"Controller", controller}};
 
 Call load(const std::string& file) {
-    azubsim::Network network;
-    std::string error;
-    check(network.open(file, error), file.c_str());
-    return network.rows();
+    return azubsim::Network(file).rows();
 }
 
 // Ten minutes; after half of them, the skew changes.

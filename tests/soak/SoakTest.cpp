@@ -64,11 +64,11 @@ protected:
 
 TEST_F(Soak, TenThousandExchangesEndInKnownResultsAndNothingGrows) {
     const tests::Engine engine(
-        socket, {"--every=4", "--seed=1", "--fault=error 1002 no", "--fault=error 1003",
-                 "--fault=version 0.2.0", "--fault=element Other_Answer",
-                 "--fault=missing ErrorCode", "--fault=number x1", "--fault=cut",
-                 "--fault=close-before", "--fault=close-middle", "--fault=split", "--fault=double",
-                 "--fault=delay 1", "--fault=flood 100000", "--fault=reset"});
+        socket,
+        {"--every=4", "--seed=1", "--fault=error 1002 no", "--fault=error 1003",
+         "--fault=version 0.2.0", "--fault=element Other_Answer", "--fault=missing ErrorCode",
+         "--fault=number x1", "--fault=cut", "--fault=close-before", "--fault=close-middle",
+         "--fault=split", "--fault=double", "--fault=delay 1", "--fault=flood 100000"});
     const auto held = [&](int exchanges) {
         for (; exchanges > 0; --exchanges) {
             exchange();

@@ -1,17 +1,14 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <set>
 
-#include "comms/Client.h"
 #include "tests/support/Files.h"
 #include "tests/tools/Engine.h"
 
 using testing::IsSubstring;
 using tests::Engine;
 using tests::Process;
-using velta::zub::comms::Client;
 using velta::zub::comms::Link;
 
 namespace {
@@ -49,12 +46,13 @@ TEST_F(Azubsim, ReplacesOnlyAStaleSocket) {
     { const Engine killed(socket); }
     {
         const Engine live(socket);
-        expectFailure(AZUBSIM, at, 1, cannot + ": an engine is already listening there\n");
+        expectFailure(AZUBSIM, "engine" + at, 1,
+                      cannot + ": an engine is already listening there\n");
         run(LIPSYNCCTL, "timestamps" + at);
     }
     std::filesystem::remove(socket);
     std::ofstream(socket) << "precious";
-    expectFailure(AZUBSIM, at, 1, cannot + ": it exists and is not a socket\n");
+    expectFailure(AZUBSIM, "engine" + at, 1, cannot + ": it exists and is not a socket\n");
     EXPECT_EQ(std::filesystem::file_size(socket), 8U);
 }
 
@@ -63,39 +61,47 @@ TEST_F(Azubsim, RefusesBadOptions) {
     std::ofstream(file) << "{}\n";
     const std::string cannot = "azubsim: cannot listen at ";
     const std::string longPath(200, 'x');
-    expectFailure(AZUBSIM, "", 2, "azubsim: --socket is required");
-    expectFailure(AZUBSIM, "--nonsense" + at, 2, "azubsim: The following argument");
-    expectFailure(AZUBSIM, "--fault nonsense" + at, 2,
+    expectFailure(AZUBSIM, "", 2, "azubsim: a command is required (see azubsim --help)\n");
+    expectFailure(AZUBSIM, "engine", 2,
+                  "azubsim: --socket is required (see azubsim engine --help)");
+    expectFailure(AZUBSIM, "engine b a" + at, 2, "azubsim: unexpected argument 'b'");
+    expectFailure(AZUBSIM, "engine --fault cut --every abc" + at, 2,
+                  "azubsim: --every: 'abc' is not an integer from 1 to 1000000000 (see");
+    expectFailure(AZUBSIM, "engine --fault nonsense" + at, 2,
                   "azubsim: --fault: unknown fault 'nonsense'");
-    expectFailure(AZUBSIM, "--fault delay" + at, 2,
+    expectFailure(AZUBSIM, "engine --fault delay" + at, 2,
                   "azubsim: --fault: fault 'delay' needs an argument: MS [SPREAD] (see");
+    expectFailure(AZUBSIM, "engine --fault cut --only Nothing" + at, 2,
+                  "azubsim: --only: 'Nothing' is not one of GetAudioTs, SetAudioDelay, client N");
     // What would be ignored is refused.
-    for (const char* const ignored :
-         {"--every 2", "--timed", "--force", "--replay x --fault cut", "--replay x --no-call",
-          "--forward x --no-call", "--forward x --replay y", "--forward x --network y",
-          "--replay x --network y"}) {
-        expectFailure(AZUBSIM, ignored + at, 2, "azubsim: --");
+    for (const char* const ignored : {"engine --every 2", "engine --force", "engine --timed",
+                                      "replay x --fault cut", "tap x --no-call"}) {
+        expectFailure(AZUBSIM, ignored + at, 2, "azubsim: ");
     }
-    expectFailure(AZUBSIM, "--socket " + longPath, 1,
+    expectFailure(AZUBSIM, "engine --socket " + longPath, 1,
                   cannot + longPath + ": a socket path must have 1 to 107 bytes\n");
-    expectFailure(AZUBSIM, "--socket " + file + "/x", 1, cannot + file + "/x: Not a directory\n");
-    expectFailure(AZUBSIM, "--replay " + file + at, 1,
-                  "azubsim: cannot replay " + file + ": line 1 is not the header of a recording\n");
+    expectFailure(AZUBSIM, "engine --socket " + file + "/x", 1,
+                  cannot + file + "/x: Not a directory\n");
+    expectFailure(AZUBSIM, "replay " + file + at, 1,
+                  "azubsim: cannot read " + file + ": line 1 is not the header of a recording\n");
+    expectFailure(AZUBSIM, "--help", 1, "azubsim: cannot write to standard output: No space left");
     EXPECT_FALSE(std::filesystem::exists(socket));
 }
 
 TEST_F(Azubsim, HangsUpOnABadRequest) {
     const Engine engine(socket);
-    Link* link = nullptr;
-    Client::connectUnixServer(socket.c_str(), link);
-    const std::unique_ptr<Link> owner(link);
-    const std::string request = "<AZUB version='0.2.0'><GetAudioTs_Request /></AZUB>\n\n";
-    link->write(request.data(), request.size());
-    char byte;
-    std::size_t bytesRead = 0;
-    EXPECT_EQ(link->read(&byte, 1, bytesRead).code, Link::ResultCode::ClosedByDistant);
-    EXPECT_EQ(engine.readUntil("\n"),
-              "azubsim: bad request, connection closed: version is '0.2.0', expected '0.1.0'\n");
+    for (const std::string& request :
+         {std::string("<AZUB version='0.2.0'><GetAudioTs_Request /></AZUB>\n\n"),
+          std::string(70000, 'x')}) {
+        const auto link = connectTo(socket);
+        link->write(request.data(), request.size());
+        char byte;
+        std::size_t bytesRead = 0;
+        EXPECT_EQ(link->read(&byte, 1, bytesRead).code, Link::ResultCode::ClosedByDistant);
+    }
+    EXPECT_PRED_FORMAT2(
+        IsSubstring, "bad request       no answer, closed \"version is '0.2.0', expected '0.1.0'\"",
+        engine.readUntil("\n"));
 }
 
 TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
@@ -117,12 +123,12 @@ TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
         }
         // The same if a tap spoils the answers of a faultless engine.
         const Engine engine(socket);
-        const Engine tap(directory.path() + "/tap", {"--forward", socket, "--fault", fault});
+        const Engine tap(directory.path() + "/tap", {"--fault", fault}, {"tap", socket});
         expectReading(expected, directory.path() + "/tap");
     }
-    const std::string help = run(AZUBSIM, "--help");
+    const std::string help = run(AZUBSIM, "engine --help");
     const std::size_t start = help.find("Faults:\n");
-    const std::string faults = help.substr(start, help.find("\n\n", start) - start + 1);
+    const std::string faults = help.substr(start, help.find("By default", start) - start);
     const std::regex name("\n  ([a-z-]+) ");
     std::set<std::string> listed;
     for (std::sregex_iterator i(faults.begin(), faults.end(), name); i != std::sregex_iterator();
@@ -154,61 +160,70 @@ TEST_F(Azubsim, SpoilsSomeAnswersRepeatably) {
     EXPECT_NE(outcomes({"--every", "2", "--seed", "6"}), random);
 }
 
-TEST_F(Azubsim, ObeysCommandsOnStandardInput) {
-    const Engine engine(socket);
-    const auto seenAfter = [&](const std::string& line, int status) {
-        engine.write(line + "\nstatus\n");
-        engine.readUntil("verbose off\n");
-        return run(LIPSYNCCTL, "timestamps" + at, status);
-    };
-    EXPECT_PRED_FORMAT2(IsSubstring, "(Code 1007)", seenAfter("call off", 5));
-    EXPECT_PRED_FORMAT2(IsSubstring, "latency", seenAfter("call on", 0));
-    EXPECT_PRED_FORMAT2(IsSubstring, "(Code 7)", seenAfter("fault error 7", 6));
-    EXPECT_PRED_FORMAT2(IsSubstring, "(Code 7)", seenAfter("fault nonsense", 6));
-    EXPECT_PRED_FORMAT2(IsSubstring, "latency", seenAfter("fault none", 0));
-    engine.write("nonsense\nquit\n");
-    EXPECT_EQ(engine.readAll(), "invalid command: nonsense (try help)\nquit\n");
-}
-
 TEST_F(Azubsim, AFaultForOneClientDoesNotDelayAnother) {
     const std::string engineOfTap = directory.path() + "/engine-of-tap";
     const Engine faultless(engineOfTap);
-    for (const std::vector<std::string>& source :
-         {std::vector<std::string>(), {"--forward", engineOfTap}}) {
-        std::vector<std::string> options{"--verbose", "--fault", "delay 60000", "--fault",
-                                         "flood",     "--fault", "split"};
-        options.insert(options.end(), source.begin(), source.end());
-        const Engine engine(socket, options);
+    for (const std::vector<std::string>& mode :
+         {std::vector<std::string>{"engine"}, {"tap", engineOfTap}}) {
+        const Engine engine(
+            socket, {"--fault", "delay 60000", "--fault", "flood", "--fault", "split"}, mode);
         const Process slow({LIPSYNCCTL, "timestamps", "--socket", socket});
-        engine.readUntil("client 1 >");
+        engine.readUntil("#1 ");
         const Process flooded({LIPSYNCCTL, "timestamps", "--socket", socket});
-        engine.readUntil("client 2 >");
+        engine.readUntil("#2 ");
         // This client stops reading the flood.
         flooded.signal(SIGSTOP);
         run(LIPSYNCCTL, "timestamps" + at);
     }
 }
 
-TEST_F(Azubsim, ReplaysWhatItRecorded) {
+TEST_F(Azubsim, FaultsAimAtACommandOrAClient) {
+    const Engine engine(socket, {"--fault", "error 7", "--only", "SetAudioDelay"});
+    const auto tell = [&](const std::string& command) {
+        return run(AZUBSIM, "tell " + socket + ' ' + command);
+    };
+    run(LIPSYNCCTL, "timestamps" + at);
+    run(LIPSYNCCTL, "margin set 40" + at, 6);
+    tell("only client 4");
+    // Both hold.
+    run(LIPSYNCCTL, "margin set 40" + at);
+    run(LIPSYNCCTL, "timestamps" + at);
+    tell("only all");
+    run(LIPSYNCCTL, "timestamps" + at, 6);
+    tell("only client 6");
+    run(LIPSYNCCTL, "timestamps" + at, 6);
+    run(LIPSYNCCTL, "timestamps" + at);
+    EXPECT_PRED_FORMAT2(IsSubstring, "7 exchanges, 3 spoiled, 7 clients", tell("status"));
+}
+
+TEST_F(Azubsim, ReplaysWhatItRecordedByCommand) {
     const std::string file = directory.path() + "/record";
     std::string reading;
     {
         const Engine recorder(socket,
-                              {"--record", file, "--fault", "close-before", "--every", "2"});
+                              {"--record", file, "--fault", "close-before", "--every", "3"});
+        run(LIPSYNCCTL, "margin set 40" + at);
         reading = run(LIPSYNCCTL, "timestamps" + at);
         run(LIPSYNCCTL, "timestamps" + at, 4);
+        recorder.signal(SIGTERM);
+        // The recording shows the lines that were printed.
+        const std::string lines = recorder.readAll();
+        EXPECT_EQ(run(AZUBSIM, "show " + file) + "azubsim: ",
+                  lines.substr(0, lines.find("azubsim: ") + 9));
     }
-    const Engine replay(socket, {"--replay", file});
-    EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at), reading);
-    const std::string closed = run(LIPSYNCCTL, "timestamps" + at, 4);
-    EXPECT_PRED_FORMAT2(IsSubstring, "{Closed by distant", closed);
-    // The recording has ended.
-    EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at, 4), closed);
-    std::ifstream recorded(file);
-    std::string exchanges;
-    std::getline(recorded, exchanges, '\0');
-    const std::regex expected(
-        ".*\"version\":2.*\n.*\"request\":.*GetAudioTs_Request.*\"fault\":\"\".*\n"
-        ".*\"fault\":\"close-before\".*\n");
-    EXPECT_TRUE(std::regex_match(exchanges, expected)) << exchanges;
+    {
+        const Engine replay(socket, {}, {"replay", file});
+        EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at), reading);
+        const std::string closed = run(LIPSYNCCTL, "timestamps" + at, 4);
+        EXPECT_PRED_FORMAT2(IsSubstring, "{Closed by distant", closed);
+        // There is no other answer.
+        EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at, 4), closed);
+        run(LIPSYNCCTL, "margin set 100" + at);
+    }
+    const Engine replay(socket, {"--in-order", "--repeat"}, {"replay", file});
+    for (int i = 0; i < 2; ++i) {
+        run(LIPSYNCCTL, "timestamps" + at, 4);
+        EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at), reading);
+        run(LIPSYNCCTL, "timestamps" + at, 4);
+    }
 }

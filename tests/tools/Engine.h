@@ -3,23 +3,37 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
+#include <memory>
 #include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "comms/Client.h"
 #include "tests/support/Listener.h"
 #include "tests/support/Process.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace tests {
 
-/// An engine simulator that is ready for connections.
+/// An engine simulator, or azubsim in another mode that serves clients, that is ready for
+/// connections.
 class Engine : public Process {
 public:
-    explicit Engine(const std::string& socket, std::vector<std::string> options = {})
-        : Process((options.insert(options.begin(), {AZUBSIM, "--socket", socket}), options)) {
+    explicit Engine(const std::string& socket, const std::vector<std::string>& options = {},
+                    const std::vector<std::string>& mode = {"engine"})
+        : Process(command(socket, options, mode)) {
         readUntil("listening at " + socket + '\n');
+    }
+
+private:
+    static std::vector<std::string> command(const std::string& socket,
+                                            const std::vector<std::string>& options,
+                                            std::vector<std::string> mode) {
+        mode.insert(mode.begin(), AZUBSIM);
+        mode.insert(mode.end(), {"--socket", socket});
+        mode.insert(mode.end(), options.begin(), options.end());
+        return mode;
     }
 };
 
@@ -46,6 +60,12 @@ protected:
                               const std::string& error) {
         const std::string output = run(program, arguments, status, Process::ToFullDisk);
         EXPECT_EQ(output.substr(0, error.size()), error) << arguments;
+    }
+
+    static std::unique_ptr<velta::zub::comms::Link> connectTo(const std::string& path) {
+        velta::zub::comms::Link* link = nullptr;
+        EXPECT_TRUE(velta::zub::comms::Client::connectUnixServer(path.c_str(), link).isSuccess());
+        return std::unique_ptr<velta::zub::comms::Link>(link);
     }
 
     const TemporaryDirectory directory;

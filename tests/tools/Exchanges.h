@@ -1,14 +1,16 @@
 #pragma once
 
 #include <chrono>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <utility>
 
-#include "tools/azubsim/Exchange.h"
+#include "tests/support/Frames.h"
+#include "tools/azubsim/protocol/Exchange.h"
 
 namespace tests {
+
+inline const std::string getAudioTs = frame("<GetAudioTs_Request />");
+inline const std::string setMargin = frame("<SetAudioDelay_Request>40</SetAudioDelay_Request>");
 
 inline std::string allBytes() {
     std::string all;
@@ -23,9 +25,7 @@ inline azubsim::Exchange exchange(int client, long long time, const std::string&
                                   azubsim::Reply reply, const std::string& fault = "") {
     azubsim::Exchange exchange;
     exchange.client = client;
-    exchange.time = std::chrono::system_clock::time_point(std::chrono::seconds(1700000000) +
-                                                          std::chrono::milliseconds(123) +
-                                                          std::chrono::microseconds(time));
+    exchange.time = std::chrono::microseconds(1700000000123000 + time);
     exchange.request = request;
     exchange.reply = std::move(reply);
     exchange.fault = fault;
@@ -34,13 +34,7 @@ inline azubsim::Exchange exchange(int client, long long time, const std::string&
 }
 
 inline azubsim::Reply whole(const std::string& document) {
-    return {{{std::chrono::microseconds(113), document + azubsim::endMarker}},
-            azubsim::Reply::End::Open};
-}
-
-inline std::string contents(const std::string& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    return {{{std::chrono::microseconds(113), document}}, false};
 }
 
 } // namespace tests

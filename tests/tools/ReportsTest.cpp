@@ -1,5 +1,3 @@
-// How exchanges are shown: as a trace and as lines of text.
-
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -7,12 +5,12 @@
 #include <ctime>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string>
 
-#include "tests/support/TemporaryDirectory.h"
 #include "tests/tools/Exchanges.h"
-#include "tools/azubsim/ExchangeLine.h"
-#include "tools/azubsim/Trace.h"
+#include "tools/azubsim/report/Line.h"
+#include "tools/azubsim/report/Trace.h"
 
 namespace {
 
@@ -21,34 +19,17 @@ using nlohmann::json;
 using std::chrono::microseconds;
 using testing::IsSubstring;
 using tests::allBytes;
-using tests::contents;
 using tests::exchange;
+using tests::frame;
+using tests::getAudioTs;
+using tests::setMargin;
 using tests::whole;
-
-std::string request(const std::string& command) {
-    return "<AZUB version=\"0.1.0\">" + command + "</AZUB>";
-}
-
-const std::string getAudioTs = request("<GetAudioTs_Request />");
-
-std::string result(int code, const std::string& message) {
-    return "<Result><ErrorCode>" + std::to_string(code) + "</ErrorCode><Message>" + message +
-           "</Message></Result>";
-}
 
 // Rendering is half a second after capture, or before it.
 std::string audioAnswer(int code, const std::string& message, bool isLate = true) {
     const std::string half = isLate ? "2147483648" : "0x80000000";
-    return request("<GetAudioTs_Answer><LipSyncNtpTimestamps><capture_timestamp>" +
-                   (isLate ? "0" : half) + "</capture_timestamp><rendering_timestamp>" +
-                   (isLate ? half : "0") +
-                   "</rendering_timestamp><receiving_timestamp>+9</receiving_timestamp>"
-                   "<jitter_buffer_depth>62</jitter_buffer_depth></LipSyncNtpTimestamps>" +
-                   result(code, message) + "</GetAudioTs_Answer>");
-}
-
-std::string delayAnswer() {
-    return request("<SetAudioDelay_Answer>" + result(1000, "") + "</SetAudioDelay_Answer>");
+    return tests::timestampsFrame(isLate ? "0" : half, isLate ? half : "0", "+9", "62",
+                                  std::to_string(code), message);
 }
 
 // Checks one event against the rules of the format. `ends` has the end of each track's last slice.
@@ -75,27 +56,19 @@ void checkEvent(const json& event, std::map<int, long long>& ends) {
 }
 
 TEST(Trace, FollowsTheRulesOfItsFormat) {
-    const tests::TemporaryDirectory directory;
-    const std::string file = directory.path() + "/file";
-    std::string error;
-    {
-        Trace trace;
-        ASSERT_TRUE(trace.open(file, false, error)) << error;
-        Exchange slow = exchange(1, 0, getAudioTs, whole(audioAnswer(1000, "\xFF")), "delay 1");
-        slow.reply.pieces[0].wait = microseconds(900);
-        trace.add(slow);
-        trace.add(exchange(1, 100, request("<SetAudioDelay_Request>40</SetAudioDelay_Request>"),
-                           whole(delayAnswer())));
-        trace.add(exchange(2, 50, getAudioTs, whole(audioAnswer(1003, "no call"))));
-        trace.add(exchange(1, 600, allBytes(), {{}, Reply::End::Close}, allBytes()));
-        // What a killed program leaves: the same without the bracket.
-        const std::string killed = contents(file);
-        EXPECT_TRUE(json::accept(killed + "]"));
-    }
+    std::stringstream stream;
+    azubsim::Trace trace(stream);
+    Exchange slow = exchange(1, 0, getAudioTs, whole(audioAnswer(1000, "\xFF")), "delay 1");
+    slow.reply.pieces[0].wait = microseconds(900);
+    trace.add(slow);
+    trace.add(exchange(1, 100, setMargin, whole(tests::delayFrame("1000"))));
+    trace.add(exchange(2, 50, getAudioTs, whole(audioAnswer(1003, "no call"))));
+    trace.add(exchange(1, 600, allBytes(), {{}, true}, allBytes()));
+    trace.end();
     std::map<int, long long> ends;
     std::map<std::string, int> events;
     std::string figures;
-    for (const json& event : json::parse(contents(file))) {
+    for (const json& event : json::parse(stream)) {
         checkEvent(event, ends);
         ++events[event["ph"]];
         if (event["ph"] == "C") {
@@ -113,40 +86,49 @@ TEST(Trace, FollowsTheRulesOfItsFormat) {
 TEST(ExchangeLine, TellsWhatHappened) {
     setenv("TZ", "UTC0", 1);
     tzset();
-    const std::string margin = request("<SetAudioDelay_Request>40</SetAudioDelay_Request>");
     const auto line = [](const std::string& request, const Reply& reply,
                          const std::string& fault = "") {
         return exchangeLine(exchange(2, 0, request, reply, fault));
     };
     const Reply good = whole(audioAnswer(1000, ""));
-    const std::string start = "22:13:20.123  client 2   ";
+    const std::string start = "22:13:20.123 #2    ";
     EXPECT_EQ(line(getAudioTs, good),
-              start + "GetAudioTs         ok    latency 500.0 ms  jitter  62 ms   0.113 ms");
+              start + "GetAudioTs        ok   latency 500.0 jitter  62    0.113 ms");
     EXPECT_EQ(line(getAudioTs, whole(audioAnswer(1000, "", false))),
-              start + "GetAudioTs         ok    latency -500.0 ms  jitter  62 ms   0.113 ms");
-    EXPECT_EQ(line(margin, whole(delayAnswer())),
-              start + "SetAudioDelay 40   ok    margin 40 ms                      0.113 ms");
-    EXPECT_EQ(
-        line(getAudioTs, whole(audioAnswer(1003, "no\n\x1B[2J call")), "error 7"),
-        start +
-            R"(GetAudioTs         1003  "no\n\x1b[2J call"                0.113 ms  fault: error 7)");
+              start + "GetAudioTs        ok   latency -500.0 jitter  62   0.113 ms");
+    EXPECT_EQ(line(setMargin, whole(tests::delayFrame("1000"))),
+              start + "SetAudioDelay 40  ok   margin 40                   0.113 ms");
+    EXPECT_EQ(line(getAudioTs, whole(audioAnswer(1003, "no\n\x1B[2J\xE2\x80\xAE call")), "error 7"),
+              start + R"(GetAudioTs        1003 "no\n\x1b[2J\xe2\x80\xae call")"
+                      "   0.113 ms  fault: error 7");
 
-    Exchange silent = exchange(2, 0, getAudioTs, {{}, Reply::End::Close});
+    Exchange silent = exchange(2, 0, getAudioTs, {{}, true});
     silent.engineTook = microseconds(0);
-    EXPECT_EQ(exchangeLine(silent), start + "GetAudioTs         no answer, closed");
-    silent.request.clear();
-    silent.reply = {{{microseconds(0), std::string(17, 'x')}}, Reply::End::Open};
+    EXPECT_EQ(exchangeLine(silent), start + "GetAudioTs        no answer, closed");
+    silent.fault = "close-before";
+    silent.said = good.bytes();
+    EXPECT_EQ(exchangeLine(silent), start +
+                                        "GetAudioTs        no answer, closed               "
+                                        "fault: close-before  "
+                                        "engine: ok   latency 500.0 jitter  62");
+    silent = exchange(2, 0, "", {{{microseconds(0), std::string(17, 'x')}}, false});
+    silent.engineTook = microseconds(0);
     EXPECT_EQ(exchangeLine(silent), start + "no request (17 bytes)");
     silent.request = "<AZUB version='0.2.0'/>";
-    EXPECT_EQ(exchangeLine(silent), start + R"(bad request        unfinished answer (17 bytes)  )"
+    EXPECT_EQ(exchangeLine(silent), start + R"(bad request       unfinished answer (17 bytes) )"
                                             R"("version is '0.2.0', expected '0.1.0'")");
 
-    EXPECT_PRED_FORMAT2(IsSubstring, "  ok ", line("?", good));
-    EXPECT_PRED_FORMAT2(IsSubstring, "answer to another command", line(margin, good));
-    EXPECT_PRED_FORMAT2(IsSubstring, "invalid answer (3 bytes)", line(margin, whole("<x>")));
+    // A command that this program does not know.
+    const auto other = [](const std::string& name) { return frame('<' + name + "_Request />"); };
     EXPECT_PRED_FORMAT2(
-        IsSubstring, "  then 5 more bytes, reset",
-        line(getAudioTs, {{{microseconds(0), good.bytes() + "extra"}}, Reply::End::Reset}));
+        IsSubstring, "New               ok ",
+        line(other("New"), whole(frame("<New_Answer><Result><ErrorCode>1000</ErrorCode><Message "
+                                       "/></Result></New_Answer>"))));
+    EXPECT_PRED_FORMAT2(IsSubstring, "answer to another command", line(other("New"), good));
+    EXPECT_PRED_FORMAT2(IsSubstring,
+                        "invalid answer (3 bytes) \"not XML: ", line(setMargin, whole("<x>\n\n")));
+    EXPECT_PRED_FORMAT2(IsSubstring, "  then 5 more bytes, closed",
+                        line(getAudioTs, {{{microseconds(0), good.bytes() + "extra"}}, true}));
 }
 
 } // namespace

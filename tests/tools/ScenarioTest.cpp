@@ -5,7 +5,7 @@
 
 #include "tests/support/Files.h"
 #include "tests/tools/Engine.h"
-#include "tools/azubsim/AudioEngine.h"
+#include "tools/azubsim/engine/AudioEngine.h"
 
 using azubsim::AudioEngine;
 using azubsim::Timestamps;
@@ -35,13 +35,9 @@ double onTheWayMs(const AudioEngine& engine, AudioEngine::Clock::time_point now)
 // Pictures in each second, from the rows of the pipeline's output.
 std::vector<int> picturesPerSecond(const std::string& output) {
     std::vector<int> pictures;
-    const std::regex row(" *[0-9]+ +([0-9]+) .*");
-    std::istringstream lines(output);
-    std::smatch cells;
-    for (std::string line; std::getline(lines, line);) {
-        if (std::regex_match(line, cells, row)) {
-            pictures.push_back(std::stoi(cells[1]));
-        }
+    const std::regex row("\n *[0-9]+ +([0-9]+) ");
+    for (std::sregex_iterator i(output.begin(), output.end(), row), end; i != end; ++i) {
+        pictures.push_back(std::stoi((*i)[1]));
     }
     return pictures;
 }
@@ -62,6 +58,10 @@ TEST_F(Scenario, TheFarEndsClockDriftsWithoutJumps) {
     engine.setOffsetMs(-5, later + seconds(2));
     EXPECT_NEAR(onTheWayMs(engine, later + seconds(2)), 80 + 5, tolerance);
     EXPECT_NEAR(onTheWayMs(engine, later + seconds(3)), 80 + 5 - 100, tolerance);
+    // A timestamp does not wrap below zero.
+    const AudioEngine::Clock::time_point in1900{-seconds(2208988800)};
+    engine.setOffsetMs(-1000, in1900);
+    EXPECT_EQ(timestamps(engine, in1900).capture, 0U);
 }
 
 TEST_F(Scenario, TimestampsStandStillWhileTheyAreFrozen) {
@@ -107,26 +107,21 @@ TEST_F(Scenario, AMarginIsAppliedAtTheRateOfTheSlew) {
     expectMargin(0, seconds(61));
 }
 
-TEST_F(Scenario, TimestampsDoNotWrapBelowZero) {
-    AudioEngine engine;
-    const AudioEngine::Clock::time_point in1900{-seconds(2208988800)};
-    engine.setOffsetMs(-1000, in1900);
-    EXPECT_EQ(timestamps(engine, in1900).capture, 0U);
-}
-
 TEST_F(Scenario, StatusShowsWhatCommandsChanged) {
     const tests::Engine engine(socket);
     const auto replyTo = [&](const std::string& commands) {
         engine.write(commands + "status\n");
         engine.readUntil("margin 0 ms\n");
-        return engine.readUntil("verbose off\n");
+        const std::string status = engine.readUntil("only all\n");
+        engine.readUntil("quiet off\n");
+        return status;
     };
     const std::string atFirst = replyTo("");
     EXPECT_EQ(replyTo("call off\nnetwork 90\njitter 30\n offset  -2000 \nfreeze on\nfault cut\n"
                       "every 3\nseed 7\ndrift 1.5\ndrift -0\ndrift 100000.1\nslew 20\nslew -1\n"),
               "call off\nnetwork 90 ms\njitter 30 ms\nslew 20 ms/s\noffset -2000 ms\ndrift 0 "
               "ppm\nfreeze on\n"
-              "clients 0\nfault cut\nevery 3\nseed 7\nverbose off\n");
+              "fault cut\nevery 3\nseed 7\nonly all\n");
     EXPECT_EQ(replyTo("call on\nnetwork 60\njitter auto\noffset 0\nfreeze off\nfault none\n"
                       "slew 0\nevery 1\nseed none\n"),
               atFirst);
@@ -136,7 +131,8 @@ TEST_F(Scenario, MistakesAreNamedWithTheirLine) {
     const std::string file = directory.path() + "/trouble.scenario";
     const auto expectError = [&](const std::string& line, const std::string& error) {
         std::ofstream(file) << "# Trouble\n\n1.5 drift -0.5\n" << line;
-        expectFailure(AZUBSIM, "--scenario " + file + at, 1, "azubsim: " + file + ":4: " + error);
+        expectFailure(AZUBSIM, "engine --scenario " + file + at, 1,
+                      "azubsim: " + file + ":4: " + error);
     };
     expectError("2 nonsense", "invalid command: nonsense\n");
     expectError("2 network 10001\n3 nonsense",
@@ -147,7 +143,7 @@ TEST_F(Scenario, MistakesAreNamedWithTheirLine) {
     expectError("call off", "time 'call' must be a number of seconds from 0 to 86400\n");
     expectError("2", "no command after the time\n");
     EXPECT_FALSE(std::filesystem::exists(socket));
-    expectFailure(AZUBSIM, "--scenario " + file + "/x" + at, 1,
+    expectFailure(AZUBSIM, "engine --scenario " + file + "/x" + at, 1,
                   "azubsim: " + file + "/x: Not a directory\n");
 }
 

@@ -5,33 +5,34 @@
 #include <string>
 #include <vector>
 
-#include "tools/azubsim/Fault.h"
-
-namespace CLI {
-class App;
-}
+#include "tools/azubsim/report/Replay.h"
 
 namespace azubsim {
 
 struct Options {
+    enum class Mode { Engine, Tap, Replay, Show, Trace, Tell };
+
+    Mode mode = Mode::Engine;
     std::string socket;
-    std::string engine; ///< The socket of the engine behind a tap; empty to simulate the engine.
+    std::string engine; ///< The socket of the engine behind a tap.
     bool noCall = false;
     std::string networkFile;
-    std::vector<std::string> faultTexts;
-    std::vector<Fault> faults; ///< Parsed from `faultTexts`.
+    std::vector<std::string> faults;
     unsigned int every = 1;
     std::optional<std::uint32_t> seed;
+    std::vector<std::string> targets; ///< Of the faults.
     std::string scenarioFile;
     std::string recordFile;
-    std::string traceFile;
     bool overwrites = false;
-    std::string replayFile;
-    bool isTimed = false;
-    bool isVerbose = false;
+    bool isQuiet = false;
+    std::string recording; ///< To replay, show or trace.
+    Replay::Rules rules;
+    bool follows = false;
+    std::vector<std::string> command; ///< Of `tell`, in words.
 };
 
-/// Parses the command line. Returns the exit status if the program must exit.
-std::optional<int> readOptions(int argc, char** argv, Options& options);
+/// Parses the command line. Returns nothing if it has printed the help or the version. Throws a
+/// `tools::Error`.
+std::optional<Options> readOptions(int argc, char** argv);
 
 } // namespace azubsim

@@ -1,89 +1,86 @@
 #include "tools/lipsyncctl/Commands.h"
 
 #include <chrono>
-#include <cstdlib>
+#include <thread>
 
 #include "lipsyncapi/Service.h"
+#include "tools/common/Text.h"
 #include "tools/lipsyncctl/Connection.h"
+#include "tools/lipsyncctl/Interrupt.h"
 #include "tools/lipsyncctl/Output.h"
 #include "tools/lipsyncctl/Ping.h"
 #include "tools/lipsyncctl/Reading.h"
-#include "tools/lipsyncctl/Text.h"
-#include "tools/lipsyncctl/Time.h"
 #include "tools/lipsyncctl/Watch.h"
 
 namespace lipsyncctl {
 
 namespace {
 
-int printCapabilities(Connection& connection, Output& output) {
+void printCapabilities(Connection& connection, Output& output) {
     unsigned long granularityMs = 0;
     unsigned long maxMs = 0;
     connection.service().getCapabilities(granularityMs, maxMs);
     output.print({{"granularity_ms", granularityMs}, {"max_margin_ms", maxMs}},
-                 printed("margins of 0 to %lu ms in steps of %lu ms", maxMs, granularityMs));
-    return EXIT_SUCCESS;
+                 tools::printed("margins of 0 to %lu ms in steps of %lu ms", maxMs, granularityMs));
 }
 
-int printMargin(Connection& connection, Output& output) {
-    unsigned long marginMs = 0;
-    connection.service().getAudioDelayMargin(marginMs);
-    output.print({{"margin_ms", marginMs}, {"source", "last confirmed on this connection"}},
-                 printed("%lu ms, the last margin confirmed on this connection; the engine's "
-                         "margin may differ, and the protocol has no way to ask for it",
-                         marginMs));
-    return EXIT_SUCCESS;
+void setMargin(Connection& connection, unsigned long marginMs, Output& output) {
+    connection.setMargin(marginMs);
+    output.print({{"margin_ms", marginMs}},
+                 tools::printed("the engine delays the audio by %lu ms", marginMs));
 }
 
-int setMargin(Connection& connection, const Options& options, Output& output) {
-    if (const auto failure = connection.setMargin(options.marginMs)) {
-        return output.fail(*failure);
-    }
-    output.print({{"margin_ms", options.marginMs}},
-                 printed("the engine delays the audio by %lu ms", options.marginMs));
-    return EXIT_SUCCESS;
-}
-
-int printTimestamps(Connection& connection, Output& output) {
-    Reading reading;
-    if (const auto failure = connection.getTimestamps(reading.timestamps)) {
-        return output.fail(*failure);
-    }
-    reading.time = now();
+void printTimestamps(Connection& connection, Output& output) {
+    const Reading reading = read(connection);
     output.print(reading.record(), reading.text());
-    return EXIT_SUCCESS;
 }
 
-int sendVideo(Connection& connection, const Options& options, Output& output) {
-    velta::zub::common::LipSyncNtpTimestamps timestamps;
-    timestamps.audioCaptureTimestamp = options.capture;
-    timestamps.audioRenderingTimestamp = options.rendering;
-    connection.service().setVideoTimestamps(timestamps);
-    output.print({{"accepted", true}},
-                 "accepted; the library does not check, keep or send these timestamps");
-    return EXIT_SUCCESS;
+// Until the engine listens, or the time to wait for it is over.
+void connect(Connection& connection, std::chrono::seconds wait) {
+    using std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds pause{50};
+    const auto end = steady_clock::now() + wait;
+    for (;;) {
+        try {
+            connection.connect();
+            return;
+        } catch (const Failure& failure) {
+            if (!failure.isConnecting() || steady_clock::now() + pause > end) {
+                throw;
+            }
+        }
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+void run(const Options& options, Output& output) {
+    if (options.watch) {
+        watchTimestamps(options, output);
+        return;
+    }
+    Connection connection(options.socket, std::chrono::milliseconds(options.timeoutMs));
+    connect(connection, std::chrono::seconds(options.waitSeconds));
+    switch (options.command) {
+        case Command::Capabilities: printCapabilities(connection, output); break;
+        case Command::SetMargin: setMargin(connection, options.marginMs, output); break;
+        case Command::Timestamps: printTimestamps(connection, output); break;
+        case Command::Ping: ping(connection, options.exchanges, output); break;
+    }
 }
 
 } // namespace
 
 int runCommand(const Options& options) {
-    if (options.watch) {
-        return watchTimestamps(options);
-    }
     Output output(options.format);
-    Connection connection(options.socket, std::chrono::milliseconds(options.timeoutMs));
-    if (const auto failure = connection.connect()) {
-        return output.fail(*failure);
+    try {
+        run(options, output);
+    } catch (const Failure& failure) {
+        if (options.format == Format::Json) {
+            output.print({{"error", failure.record()}}, "");
+        }
+        throw;
     }
-    switch (*options.command) {
-        case Command::Capabilities: return printCapabilities(connection, output);
-        case Command::MarginGet: return printMargin(connection, output);
-        case Command::MarginSet: return setMargin(connection, options, output);
-        case Command::Timestamps: return printTimestamps(connection, output);
-        case Command::Ping: return ping(connection, options.exchanges, output);
-        case Command::SendVideo: return sendVideo(connection, options, output);
-    }
-    return EXIT_FAILURE;
+    return interruptStatus();
 }
 
 } // namespace lipsyncctl

@@ -4,7 +4,7 @@
 
 namespace lipsyncctl {
 
-/// Runs the command and prints its results and errors. Returns the exit status.
+/// Runs the command and prints its results. Returns the exit status, or throws an `Error`.
 int runCommand(const Options& options);
 
 } // namespace lipsyncctl

@@ -1,87 +1,80 @@
 #include "tools/lipsyncctl/Connection.h"
 
+#include <algorithm>
 #include <csignal>
 #include <utility>
 
+#include "tools/lipsyncctl/Failure.h"
+
 namespace lipsyncctl {
 
-namespace {
-
-// A signal with a handler, but without SA_RESTART, makes a blocked system call return.
-void prepareWakeUpSignal() {
+Connection::Connection(std::string socket, std::chrono::milliseconds timeout)
+    : _socket(std::move(socket)), _timeout(timeout), _watchdog([this] { cancel(); }) {
+    // A signal with a handler, but without SA_RESTART, makes a blocked system call return.
     struct sigaction action {};
     action.sa_handler = [](int) {};
     sigaction(SIGUSR1, &action, nullptr);
 }
 
-} // namespace
-
-Connection::Connection(std::string socket, std::chrono::milliseconds timeout)
-    : _socket(std::move(socket)), _timeout(timeout) {
-    prepareWakeUpSignal();
+void Connection::connect() {
+    run([this] { return _service.connect(_socket); });
+    _isConnected = true;
 }
 
-std::optional<Failure> Connection::connect() {
-    auto failure = run(Phase::Connecting, [this] { return _service.connect(_socket); });
-    if (failure && failure->code == Failure::Code::TransportError) {
-        // The watchdog ended the call, but the socket may have connected at the last moment.
-        _service.disconnect();
-    }
-    _isConnected = !failure;
-    return failure;
+void Connection::setMargin(unsigned long ms) {
+    run([this, ms] { return _service.setAudioDelayMargin(ms); });
 }
 
-std::optional<Failure> Connection::setMargin(unsigned long ms) {
-    return run(Phase::Exchanging, [this, ms] { return _service.setAudioDelayMargin(ms); });
-}
-
-std::optional<Failure> Connection::getTimestamps(
-    velta::zub::common::LipSyncNtpTimestamps& timestamps) {
-    return run(Phase::Exchanging,
-               [this, &timestamps] { return _service.getAudioTimestamps(timestamps); });
-}
-
-void Connection::disconnect() {
-    _service.disconnect();
-    _isConnected = false;
+velta::zub::common::LipSyncNtpTimestamps Connection::getTimestamps() {
+    velta::zub::common::LipSyncNtpTimestamps timestamps;
+    run([this, &timestamps] { return _service.getAudioTimestamps(timestamps); });
+    return timestamps;
 }
 
 std::chrono::duration<double> Connection::waitingTime() const {
-    const Watchdog::Time start = _start;
-    return start == Watchdog::never ? Watchdog::Clock::duration::zero()
-                                    : Watchdog::Clock::now() - start;
+    return std::max(Watchdog::Clock::now() - _start.load(), Watchdog::Clock::duration::zero());
 }
 
 template <typename Call>
-std::optional<Failure> Connection::run(Phase phase, const Call& call) {
-    _phase = phase;
+void Connection::run(const Call& call) {
     _caller = pthread_self();
-    const auto start = Watchdog::Clock::now();
+    const Watchdog::Time start = Watchdog::Clock::now();
+    const Watchdog::Time end = _timeout.count() > 0 ? start + _timeout : Watchdog::never;
     _start = start;
     const Service::Result result = [&] {
-        const auto limit = _timeout.count() > 0 ? start + _timeout : Watchdog::never;
-        const Watchdog::Deadline deadline(_watchdog, limit);
+        const Watchdog::Deadline deadline(_watchdog, end);
         return call();
     }();
     _start = Watchdog::never;
-    if (_watchdog.ending() != Watchdog::Ending::Itself) {
-        const bool isConnecting = phase == Phase::Connecting;
-        const std::string what = isConnecting ? "no connection within " : "no answer within ";
-        return Failure{Failure::Code::TransportError,
-                       what + std::to_string(_timeout.count()) + " ms"};
+    // The limit counts, even if the connection ended just after it, before it was cancelled.
+    if (_watchdog.ending() != Watchdog::Ending::Itself ||
+        (result.isFailure() && Watchdog::Clock::now() >= end)) {
+        throwTimeout();
     }
     if (result.isFailure()) {
-        return Failure{result.code, result.format()};
+        const Failure failure(result.code, result.format());
+        if (_isConnected && !failure.isRefusal()) {
+            _service.disconnect();
+            _isConnected = false;
+        }
+        throw failure;
     }
-    return std::nullopt;
 }
 
-// `cancel` must not overlap `connect`, which blocks while the engine's queue of new connections is
-// full.
-void Connection::endCall() {
-    if (_phase == Phase::Exchanging) {
+void Connection::throwTimeout() {
+    const std::string what = _isConnected ? "no answer within " : "no connection within ";
+    // It may have connected at the last moment.
+    _service.disconnect();
+    _isConnected = false;
+    throw Failure::timeout(what + std::to_string(_timeout.count()) + " ms");
+}
+
+void Connection::cancel() {
+    if (_isConnected) {
         _service.cancel();
     } else {
+        // `cancel` must not overlap `connect`, which blocks while the engine's queue of new
+        // connections is full.
         pthread_kill(_caller, SIGUSR1);
     }
 }

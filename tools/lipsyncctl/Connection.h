@@ -4,17 +4,16 @@
 
 #include <atomic>
 #include <chrono>
-#include <optional>
 #include <string>
 
 #include "avsync/Watchdog.h"
 #include "lipsyncapi/Service.h"
-#include "tools/lipsyncctl/Failure.h"
 
 namespace lipsyncctl {
 
 /// A connection to the engine. A timeout or `stop` ends a call that waits. Use it from one thread
-/// at a time, except for `stop` and `waitingTime`. The calls return nothing if they succeed.
+/// at a time, except for `stop` and `waitingTime`. A call that fails throws a `Failure`; if it is
+/// no refusal, the connection is closed then.
 class Connection {
 public:
     using Service = velta::zub::lipsyncapi::Service;
@@ -22,14 +21,10 @@ public:
     /// `timeout` is for each call; 0 means none.
     Connection(std::string socket, std::chrono::milliseconds timeout);
 
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
+    void connect();
+    void setMargin(unsigned long ms);
+    velta::zub::common::LipSyncNtpTimestamps getTimestamps();
 
-    std::optional<Failure> connect();
-    std::optional<Failure> setMargin(unsigned long ms);
-    std::optional<Failure> getTimestamps(velta::zub::common::LipSyncNtpTimestamps& timestamps);
-
-    void disconnect();
     bool isConnected() const { return _isConnected; }
 
     /// For the calls that do not wait for the engine.
@@ -43,20 +38,19 @@ public:
 
 private:
     using Watchdog = velta::zub::avsync::Watchdog;
-    enum class Phase { Connecting, Exchanging };
 
     template <typename Call>
-    std::optional<Failure> run(Phase phase, const Call& call);
-    void endCall();
+    void run(const Call& call);
+    void throwTimeout();
+    void cancel();
 
     const std::string _socket;
     const std::chrono::milliseconds _timeout;
     Service _service;
     bool _isConnected = false;
-    Phase _phase = Phase::Connecting; ///< Of the current call, with the next one.
     pthread_t _caller{};
     std::atomic<Watchdog::Time> _start{Watchdog::never}; ///< Of the current call.
-    Watchdog _watchdog{[this] { endCall(); }};           // Last: it uses the others.
+    Watchdog _watchdog;                                  ///< Last: its thread uses the others.
 };
 
 } // namespace lipsyncctl

@@ -1,36 +1,58 @@
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "lipsyncapi/Service.h"
-#include "tools/lipsyncctl/Record.h"
+#include "tools/common/Error.h"
 
 namespace lipsyncctl {
 
-/// The exit status for failures without a status of their own.
-constexpr int exitFailure = 1;
+/// A JSON object that keeps the order of its keys.
+using Record = nlohmann::ordered_json;
 
-/// Why a call failed.
-struct Failure {
+/// Why a call to the engine failed.
+class Failure : public tools::Error {
+public:
     using Code = velta::zub::lipsyncapi::Service::ResultCode;
 
-    Code code = Code::UnknownError;
-    std::string text;
+    Failure(Code code, const std::string& text) : Failure(code, text, kindOf(code)) {}
+
+    /// A time limit that was exceeded.
+    static Failure timeout(const std::string& text) {
+        return {Code::TransportError, text, {"timeout", 4}};
+    }
+
+    bool isConnecting() const { return _code == Code::CannotConnect; }
 
     /// Whether the engine answered with an error; the connection is then still usable.
-    bool isRefusal() const { return code == Code::ServerError || code == Code::NotInCall; }
+    bool isRefusal() const { return _code == Code::ServerError || _code == Code::NotInCall; }
 
-    int exitStatus() const {
+    Record record() const {
+        return {{"kind", _kind}, {"code", static_cast<int>(_code)}, {"text", what()}};
+    }
+
+private:
+    struct Kind {
+        const char* name;
+        int exitStatus;
+    };
+
+    static Kind kindOf(Code code) {
         switch (code) {
-            case Code::CannotConnect: return 3;
-            case Code::TransportError: return 4;
-            case Code::NotInCall: return 5;
-            case Code::ServerError: return 6;
-            default: return exitFailure;
+            case Code::CannotConnect: return {"cannot-connect", 3};
+            case Code::TransportError: return {"transport", 4};
+            case Code::NotInCall: return {"not-in-call", 5};
+            case Code::ServerError: return {"refused", 6};
+            default: return {"other", tools::exitFailure};
         }
     }
 
-    Record record() const { return {{"code", static_cast<int>(code)}, {"text", text}}; }
+    Failure(Code code, const std::string& text, const Kind& kind)
+        : Error(text, kind.exitStatus), _code(code), _kind(kind.name) {}
+
+    Code _code;
+    const char* _kind;
 };
 
 } // namespace lipsyncctl

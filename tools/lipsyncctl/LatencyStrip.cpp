@@ -6,8 +6,7 @@
 #include <cmath>
 #include <string>
 
-#include "tools/lipsyncctl/Text.h"
-#include "tools/lipsyncctl/Time.h"
+#include "tools/common/Text.h"
 
 namespace lipsyncctl {
 
@@ -31,14 +30,10 @@ struct Scale {
     int zeroRow() const { return std::clamp(row(0), 1, bottomMs < 0 ? height - 1 : height); }
 };
 
-std::string label(double ms) {
-    return printed("%.0f", ms);
-}
-
 // Returns the column of the line.
 int drawAxes(int top, const Scale& scale) {
-    const std::string highest = label(scale.topMs);
-    const std::string lowest = label(scale.bottomMs);
+    const std::string highest = tools::printed("%.0f", scale.topMs);
+    const std::string lowest = tools::printed("%.0f", scale.bottomMs);
     const int width = static_cast<int>(std::max({highest.size(), lowest.size(), std::size_t{5}}));
     mvprintw(top, 0, "%*s", width, highest.c_str());
     mvprintw(top + scale.zeroRow(), 0, "%*s", width, "0");
@@ -62,14 +57,14 @@ void drawColumn(int top, int column, const Scale& scale, double ms) {
 
 } // namespace
 
-void LatencyStrip::add(double time, double latencyMs) {
-    const long second = static_cast<long>(time);
+void LatencyStrip::add(tools::Time time, double latencyMs) {
+    const auto second = std::chrono::floor<std::chrono::seconds>(time);
     if (_lastMinute.empty() || _lastMinute.back().time != second) {
         _lastMinute.push_back({second, latencyMs});
     } else {
         _lastMinute.back().latencyMs = std::max(_lastMinute.back().latencyMs, latencyMs);
     }
-    while (_lastMinute.front().time <= second - stripSeconds) {
+    while (_lastMinute.front().time <= second - std::chrono::seconds(stripSeconds)) {
         _lastMinute.pop_front();
     }
 }
@@ -92,9 +87,9 @@ void LatencyStrip::draw(int top, int rows) const {
     mvaddnstr(top, 0, "Maximum latency in each second of the last minute, ms", COLS);
     const int axis = drawAxes(top + 1, scale);
     const int right = std::min(axis + stripSeconds, COLS - 1);
-    const long present = static_cast<long>(now());
+    const auto present = std::chrono::floor<std::chrono::seconds>(tools::now());
     for (const Second& second : _lastMinute) {
-        const long age = present - second.time;
+        const long age = (present - second.time).count();
         if (age >= 0 && age < right - axis) {
             drawColumn(top + 1, right - static_cast<int>(age), scale, second.latencyMs);
         }

@@ -2,21 +2,22 @@
 
 #include <deque>
 
+#include "tools/common/Time.h"
+
 namespace lipsyncctl {
 
 /// The latency of the last minute: one column per second with its maximum, the current second on
 /// the right.
 class LatencyStrip {
 public:
-    /// `time` is in seconds since 1970.
-    void add(double time, double latencyMs);
+    void add(tools::Time time, double latencyMs);
 
     /// Draws into these rows of the screen. Draws nothing if they are too few.
     void draw(int top, int rows) const;
 
 private:
     struct Second {
-        long time;
+        std::chrono::seconds time;
         double latencyMs;
     };
 

@@ -6,8 +6,8 @@
 #include <cmath>
 
 #include "tools/common/Printable.h"
-#include "tools/lipsyncctl/Text.h"
-#include "tools/lipsyncctl/Time.h"
+#include "tools/common/Text.h"
+#include "tools/common/Time.h"
 
 namespace lipsyncctl {
 
@@ -19,13 +19,13 @@ void drawRow(int row, const std::string& text) {
 }
 
 void drawValue(int row, const char* label, const std::string& value) {
-    drawRow(row, printed("%-16s", label) + value);
+    drawRow(row, tools::printed("%-16s", label) + value);
 }
 
 // Draws the depth with a bar in the rest of the row, if there is room.
 void drawJitterBuffer(int row, unsigned long depthMs) {
     constexpr double fullMs = 200;
-    const std::string depth = printed("%4lu ms ", depthMs);
+    const std::string depth = tools::printed("%4lu ms ", depthMs);
     drawValue(row, "Jitter buffer", depth);
     const int column = 16 + static_cast<int>(depth.size());
     const int cells = std::min(40, COLS - column - 6);
@@ -36,6 +36,11 @@ void drawJitterBuffer(int row, unsigned long depthMs) {
     mvaddch(row, column, '[');
     mvhline(row, column + 1, ACS_CKBOARD, static_cast<int>(std::lround(share * cells)));
     mvprintw(row, column + 1 + cells, "] %.0f", fullMs);
+}
+
+std::string dataAge(tools::Time time) {
+    const std::chrono::duration<double> age = tools::now() - time;
+    return tools::printed("data %.1f s old", std::max(0.0, age.count()));
 }
 
 bool wantsToQuit() {
@@ -49,7 +54,8 @@ bool wantsToQuit() {
 
 } // namespace
 
-LiveView::LiveView(const std::string& socket) : _title("lipsyncctl  " + tools::printable(socket)) {
+LiveView::LiveView(const std::string& socket, Tally& tally)
+    : _title("lipsyncctl  " + tools::printable(socket)), _tally(tally) {
     // After the Esc key, ncurses waits for the rest of a key's sequence: by default for a second.
     set_escdelay(25);
     initscr();
@@ -64,17 +70,15 @@ LiveView::~LiveView() {
     endwin();
 }
 
-void LiveView::add(const Reading& reading) {
-    _reading = reading;
-    _failure.reset();
-    _summary.addReading(reading.latencyMs());
-    _strip.add(reading.time, reading.latencyMs());
-}
-
-void LiveView::add(const Failure& failure) {
-    _failure = failure;
-    _failure->text = tools::printable(failure.text);
-    _summary.addFailure(failure);
+void LiveView::add(const Poller::Event& event) {
+    _tally.add(event);
+    if (const auto* const reading = std::get_if<Reading>(&event)) {
+        _reading = *reading;
+        _failure.reset();
+        _strip.add(reading->time, reading->latencyMs());
+    } else {
+        _failure = std::get<Failure>(event);
+    }
 }
 
 bool LiveView::refresh(std::chrono::duration<double> waitingTime) {
@@ -85,11 +89,7 @@ bool LiveView::refresh(std::chrono::duration<double> waitingTime) {
     drawRow(1, status(waitingTime.count()));
     const int top = drawReading(2 + blank) + blank;
     const int end = LINES - 1;
-    const int failureTop = end - failureRows(end - top);
-    _strip.draw(top, failureTop - top);
-    if (failureTop < end) {
-        mvaddnstr(failureTop, 0, _failure->text.c_str(), COLS * (end - failureTop));
-    }
+    _strip.draw(top, drawFailure(top, end) - top);
     drawRow(end, "Press q or Ctrl-C to quit");
     ::refresh();
     return !wantsToQuit();
@@ -97,45 +97,46 @@ bool LiveView::refresh(std::chrono::duration<double> waitingTime) {
 
 std::string LiveView::status(double waitingSeconds) const {
     constexpr double patienceSeconds = 1;
-    const std::string age = _reading
-                                ? printed("data %.1f s old", std::max(0.0, now() - _reading->time))
-                                : "no data yet";
     std::string state = "Connected";
     if (waitingSeconds >= patienceSeconds) {
-        state = printed("No answer for %.0f s", std::floor(waitingSeconds));
+        state = tools::printed("No answer for %.0f s", std::floor(waitingSeconds));
     } else if (_failure) {
         state = _failure->isRefusal() ? "Refused by the engine" : "Waiting for the engine";
     } else if (!_reading) {
         state = "Connecting";
     }
-    return state + ", " + age;
+    return state + ", " + (_reading ? dataAge(_reading->time) : "no data yet");
 }
 
 // Returns the row after the last one.
 int LiveView::drawReading(int row) const {
     if (_reading) {
         const auto& timestamps = _reading->timestamps;
-        const auto time = [](unsigned long ntp) { return timeOfDay(fromNtp(ntp)); };
+        const auto time = [](unsigned long ntp) { return tools::timeOfDay(tools::fromNtp(ntp)); };
         drawValue(row++, "Captured", time(timestamps.audioCaptureTimestamp));
         drawValue(row++, "Received", time(timestamps.audioReceivingTimestamp));
         drawValue(row++, "Rendered", time(timestamps.audioRenderingTimestamp));
         drawValue(row++, "Latency",
-                  printed("%.1f ms from capture to rendering", _reading->latencyMs()));
+                  tools::printed("%.1f ms from capture to rendering", _reading->latencyMs()));
         drawJitterBuffer(row++, timestamps.jbmCurrentDepth);
-        drawValue(row++, "Margin",
-                  printed("%lu ms, the last confirmed on this connection", _reading->marginMs));
     }
-    drawRow(row++, _summary.counts());
+    drawRow(row++, _tally.counts());
     return row;
 }
 
-// The rows for the text of the failure. The figures have priority.
-int LiveView::failureRows(int available) const {
-    if (!_failure) {
-        return 0;
+// Draws the text of the failure above the row `end`. Returns its first row. The figures, which end
+// above `top`, have priority.
+int LiveView::drawFailure(int top, int end) const {
+    if (!_failure || top >= end) {
+        return end;
     }
-    const int needed = static_cast<int>(_failure->text.size()) / COLS + 1;
-    return std::clamp(needed, 0, std::max(available, 0));
+    // A message may be very long. A character has up to four bytes.
+    const int room = COLS * (end - top);
+    const std::string start = std::string(_failure->what()).substr(0, 4 * std::size_t(room));
+    const std::string text = tools::printable(start);
+    const int rows = std::min(static_cast<int>(text.size()) / COLS + 1, end - top);
+    mvaddnstr(end - rows, 0, text.c_str(), COLS * rows);
+    return end - rows;
 }
 
 } // namespace lipsyncctl

@@ -4,25 +4,23 @@
 #include <optional>
 #include <string>
 
-#include "tools/lipsyncctl/Failure.h"
 #include "tools/lipsyncctl/LatencyStrip.h"
-#include "tools/lipsyncctl/Reading.h"
-#include "tools/lipsyncctl/Summary.h"
+#include "tools/lipsyncctl/Poller.h"
+#include "tools/lipsyncctl/Tally.h"
 
 namespace lipsyncctl {
 
 /// Shows the timestamps full-screen on the terminal. The destructor restores the terminal.
 class LiveView {
 public:
-    explicit LiveView(const std::string& socket);
+    /// `tally` must outlive the view.
+    LiveView(const std::string& socket, Tally& tally);
     ~LiveView();
 
     LiveView(const LiveView&) = delete;
     LiveView& operator=(const LiveView&) = delete;
 
-    void add(const Reading& reading);
-    void add(const Failure& failure);
-    const Summary& summary() const { return _summary; }
+    void add(const Poller::Event& event);
 
     /// Draws everything. `waitingTime` is how long the current call has been waiting. Returns false
     /// if the user wants to quit.
@@ -31,12 +29,12 @@ public:
 private:
     std::string status(double waitingSeconds) const;
     int drawReading(int row) const;
-    int failureRows(int available) const;
+    int drawFailure(int top, int end) const;
 
     const std::string _title;
     std::optional<Reading> _reading;
     std::optional<Failure> _failure;
-    Summary _summary;
+    Tally& _tally;
     LatencyStrip _strip;
 };
 

@@ -1,13 +1,13 @@
 #include <unistd.h>
 
-#include "tools/lipsyncctl/Messages.h"
+#include "tools/common/Tool.h"
 #include "tools/lipsyncctl/TerminalWatch.h"
 
 namespace lipsyncctl {
 
-bool watchOnTerminal(const Options&, std::string&) {
+bool watchOnTerminal(const Options&, Tally&) {
     if (isatty(STDOUT_FILENO) == 1) {
-        complain("there is no live view, because this program was built without ncurses");
+        tools::complain("there is no live view, because this program was built without ncurses");
     }
     return false;
 }

@@ -1,11 +1,17 @@
 #include "tools/lipsyncctl/Output.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <csignal>
+#include <iomanip>
 #include <iostream>
+#include <sstream>
 
 #include "tools/common/Printable.h"
-#include "tools/lipsyncctl/Messages.h"
+#include "tools/common/Text.h"
+#include "tools/common/Tool.h"
+#include "tools/lipsyncctl/Interrupt.h"
 
 namespace lipsyncctl {
 
@@ -21,11 +27,9 @@ std::string quoted(const std::string& text) {
     if (text.find_first_of(",\"") == std::string::npos) {
         return text;
     }
-    std::string result = "\"";
-    for (const char c : text) {
-        result += c == '"' ? "\"\"" : std::string(1, c);
-    }
-    return result + '"';
+    std::ostringstream result;
+    result << std::quoted(text, '"', '"');
+    return result.str();
 }
 
 // A missing value is an empty cell. For an error the cell has only its text, which contains the
@@ -40,34 +44,25 @@ std::string cell(const Record& value) {
     return value.is_string() ? quoted(tools::printable(value.get<std::string>())) : json(value);
 }
 
-// If the reader has gone, ends the program as quietly as one that does not ignore this signal.
-void checkReader() {
+void writeLine(const std::string& line) {
+    const EndsAtOnce guard;
+    std::cout << line << std::endl;
     if (!std::cout && errno == EPIPE) {
         std::signal(SIGPIPE, SIG_DFL);
         std::raise(SIGPIPE);
     }
-}
-
-void writeLine(const std::string& line) {
-    std::cout << line << std::endl;
-    checkReader();
+    tools::checkOutput();
 }
 
 } // namespace
 
 void Output::print(const Record& record, const std::string& text) {
-    if (_format == Format::Text) {
-        writeLine(text);
-    } else {
-        print(record);
-    }
-}
-
-void Output::print(const Record& record) {
-    switch (_format) {
-        case Format::Text: break;
-        case Format::Json: writeLine(json(record)); break;
-        case Format::Csv: printCsv(record); break;
+    if (_format == Format::Csv) {
+        printCsv(record);
+    } else if (_format == Format::Json) {
+        writeLine(json(record));
+    } else if (!text.empty()) {
+        writeLine(tools::broken(text, tools::terminalColumns(STDOUT_FILENO)));
     }
 }
 
@@ -84,25 +79,6 @@ void Output::printCsv(const Record& record) {
         _hasHeader = true;
     }
     writeLine(row);
-}
-
-int Output::fail(const Failure& failure) {
-    complain(failure.text);
-    if (_format == Format::Json) {
-        Record record;
-        record["error"] = failure.record();
-        print(record);
-    }
-    return failure.exitStatus();
-}
-
-int finishOutput(int status) {
-    if (std::cout.flush()) {
-        return status;
-    }
-    checkReader();
-    complain("cannot write to standard output");
-    return exitFailure;
 }
 
 } // namespace lipsyncctl

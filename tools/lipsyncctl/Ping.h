@@ -5,8 +5,8 @@
 
 namespace lipsyncctl {
 
-/// Measures this number of exchanges. Prints the figures even if a signal or a failure ends it
-/// early. Returns the exit status.
-int ping(Connection& connection, unsigned long exchanges, Output& output);
+/// Measures this number of exchanges. Prints the figures even if a signal or a failure, which it
+/// throws, ends it early.
+void ping(Connection& connection, unsigned long exchanges, Output& output);
 
 } // namespace lipsyncctl

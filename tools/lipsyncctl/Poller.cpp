@@ -1,9 +1,8 @@
 #include "tools/lipsyncctl/Poller.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
-
-#include "tools/lipsyncctl/Time.h"
 
 namespace lipsyncctl {
 
@@ -11,8 +10,13 @@ namespace {
 
 constexpr std::chrono::milliseconds reconnectPause{300};
 
-// Beyond this number the oldest unread events are dropped.
-constexpr std::size_t maxEvents = 1000;
+// Beyond this size the oldest unread events are dropped.
+constexpr std::size_t maxBytes = 1000000;
+
+std::size_t size(const Poller::Event& event) {
+    const auto* const failure = std::get_if<Failure>(&event);
+    return sizeof(event) + (failure == nullptr ? 0 : std::strlen(failure->what()));
+}
 
 } // namespace
 
@@ -21,30 +25,22 @@ Poller::Poller(const Options& options)
       _connection(options.socket, std::chrono::milliseconds(options.timeoutMs)),
       _thread([this] { poll(); }) {}
 
-Poller::~Poller() {
-    stop();
-}
-
 std::optional<Poller::Event> Poller::next(std::chrono::milliseconds timeout) {
     std::unique_lock<std::mutex> lock(_mutex);
     if (!_changed.wait_for(lock, timeout, [this] { return !_events.empty(); })) {
         return std::nullopt;
     }
-    Event event = std::move(_events.front());
-    _events.pop_front();
-    return event;
+    return takeOldest();
 }
 
-void Poller::stop() {
+Poller::~Poller() {
     {
         const std::lock_guard<std::mutex> lock(_mutex);
         _isStopping = true;
     }
     _changed.notify_all();
     _connection.stop();
-    if (_thread.joinable()) {
-        _thread.join();
-    }
+    _thread.join();
 }
 
 void Poller::poll() {
@@ -60,30 +56,31 @@ void Poller::poll() {
 }
 
 Poller::Event Poller::readOnce() {
-    if (!_connection.isConnected()) {
-        if (const auto failure = _connection.connect()) {
-            return {std::nullopt, *failure};
+    try {
+        if (!_connection.isConnected()) {
+            _connection.connect();
         }
+        return read(_connection);
+    } catch (const Failure& failure) {
+        return failure;
     }
-    Reading reading;
-    if (const auto failure = _connection.getTimestamps(reading.timestamps)) {
-        if (!failure->isRefusal()) {
-            _connection.disconnect();
-        }
-        return {std::nullopt, *failure};
-    }
-    reading.time = now();
-    _connection.service().getAudioDelayMargin(reading.marginMs);
-    return {reading, {}};
 }
 
 void Poller::report(Event event) {
     const std::lock_guard<std::mutex> lock(_mutex);
+    _bytes += size(event);
     _events.push_back(std::move(event));
-    if (_events.size() > maxEvents) {
-        _events.pop_front();
+    while (_bytes > maxBytes && _events.size() > 1) {
+        takeOldest();
     }
     _changed.notify_all();
+}
+
+Poller::Event Poller::takeOldest() {
+    Event event = std::move(_events.front());
+    _events.pop_front();
+    _bytes -= size(event);
+    return event;
 }
 
 // Returns false if the thread must stop.

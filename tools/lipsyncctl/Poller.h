@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <thread>
+#include <variant>
 
 #include "tools/lipsyncctl/Connection.h"
 #include "tools/lipsyncctl/Options.h"
@@ -18,15 +19,13 @@ namespace lipsyncctl {
 class Poller {
 public:
     /// A reading, or why there is none.
-    struct Event {
-        std::optional<Reading> reading;
-        Failure failure;
-    };
+    using Event = std::variant<Reading, Failure>;
 
     /// How long a loop waits for an event before it looks for a signal or a key.
     static constexpr std::chrono::milliseconds patience{100};
 
     explicit Poller(const Options& options);
+    /// Stops the thread, even if it waits for a silent engine.
     ~Poller();
 
     Poller(const Poller&) = delete;
@@ -38,13 +37,11 @@ public:
     /// How long the current call has been waiting; 0 if none is running.
     std::chrono::duration<double> waitingTime() { return _connection.waitingTime(); }
 
-    /// Stops the thread, even if it waits for a silent engine.
-    void stop();
-
 private:
     void poll();
     Event readOnce();
     void report(Event event);
+    Event takeOldest();
     bool pauseUntil(std::chrono::steady_clock::time_point time);
 
     const std::chrono::milliseconds _interval;
@@ -52,6 +49,7 @@ private:
     std::mutex _mutex;
     std::condition_variable _changed;
     std::deque<Event> _events;
+    std::size_t _bytes = 0; ///< Of the events.
     bool _isStopping = false;
     std::thread _thread;
 };

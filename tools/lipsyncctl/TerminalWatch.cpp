@@ -8,7 +8,7 @@
 
 #include "tools/lipsyncctl/Interrupt.h"
 #include "tools/lipsyncctl/LiveView.h"
-#include "tools/lipsyncctl/Messages.h"
+#include "tools/lipsyncctl/Log.h"
 #include "tools/lipsyncctl/Poller.h"
 
 namespace lipsyncctl {
@@ -26,22 +26,21 @@ bool hasMovableCursor() {
     return isMovable;
 }
 
-// Passes on all events that have arrived, so that the view is not drawn for each of them.
-void update(LiveView& view, Poller& poller, const Options& options) {
-    auto event = poller.next(Poller::patience);
-    while (event && !options.isEnough(view.summary().readings())) {
-        if (event->reading) {
-            view.add(*event->reading);
-        } else {
-            view.add(event->failure);
+// Passes on the events of a moment, so that the view is not drawn for each of them.
+void update(LiveView& view, Poller& poller, const Options& options, const Tally& tally) {
+    const auto end = std::chrono::steady_clock::now() + Poller::patience;
+    constexpr std::chrono::milliseconds none{0};
+    for (auto event = poller.next(Poller::patience); event; event = poller.next(none)) {
+        view.add(*event);
+        if (options.isEnough(tally.readings()) || std::chrono::steady_clock::now() >= end) {
+            return;
         }
-        event = poller.next(std::chrono::milliseconds::zero());
     }
 }
 
 } // namespace
 
-bool watchOnTerminal(const Options& options, std::string& summary) {
+bool watchOnTerminal(const Options& options, Tally& tally) {
     if (!hasMovableCursor()) {
         return false;
     }
@@ -49,13 +48,12 @@ bool watchOnTerminal(const Options& options, std::string& summary) {
         // The log lines would overwrite the view.
         dropLog();
     }
-    LiveView view(options.socket);
+    LiveView view(options.socket, tally);
     Poller poller(options);
-    while (!isInterrupted() && !options.isEnough(view.summary().readings()) &&
+    while (!isInterrupted() && !options.isEnough(tally.readings()) &&
            view.refresh(poller.waitingTime())) {
-        update(view, poller, options);
+        update(view, poller, options, tally);
     }
-    summary = view.summary().text();
     return true;
 }
 

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <string>
-
 #include "tools/lipsyncctl/Options.h"
+#include "tools/lipsyncctl/Tally.h"
 
 namespace lipsyncctl {
 
 /// Reads timestamps and shows them in a live view, until interrupted or until there are enough.
-/// Returns the view's summary in `summary`, or false if standard output cannot show the view.
-bool watchOnTerminal(const Options& options, std::string& summary);
+/// Returns false if standard output cannot show the view.
+bool watchOnTerminal(const Options& options, Tally& tally);
 
 } // namespace lipsyncctl

@@ -1,58 +1,69 @@
 #include "tools/lipsyncctl/Watch.h"
 
-#include <chrono>
-#include <cstdlib>
-#include <iostream>
-#include <optional>
+#include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
+#include <string>
+#include <variant>
+
+#include "tools/common/Text.h"
+#include "tools/common/Tool.h"
 #include "tools/lipsyncctl/Interrupt.h"
-#include "tools/lipsyncctl/Messages.h"
-#include "tools/lipsyncctl/Output.h"
 #include "tools/lipsyncctl/Poller.h"
+#include "tools/lipsyncctl/Tally.h"
 #include "tools/lipsyncctl/TerminalWatch.h"
-#include "tools/lipsyncctl/Time.h"
 
 namespace lipsyncctl {
 
 namespace {
 
-std::string explained(const Failure& failure) {
-    return (failure.isRefusal() ? "The engine refused the request: " : "Waiting for the engine: ") +
-           failure.text;
+void explain(const Failure& failure) {
+    const EndsAtOnce guard;
+    const bool isRefusal = failure.isRefusal();
+    tools::complain((isRefusal ? "The engine refused the request: " : "Waiting for the engine: ") +
+                    std::string(failure.what()));
 }
 
-void watchInLines(const Options& options, Output& output) {
+void watchInLines(const Options& options, Output& output, Tally& tally) {
     Poller poller(options);
-    unsigned long readings = 0;
     std::string lastFailure;
-    while (!isInterrupted() && !options.isEnough(readings) && std::cout.good()) {
-        const std::optional<Poller::Event> event = poller.next(Poller::patience);
+    while (!isInterrupted() && !options.isEnough(tally.readings())) {
+        const auto event = poller.next(Poller::patience);
         if (!event || isInterrupted()) {
             continue;
         }
-        if (event->reading) {
-            output.print(event->reading->record(), event->reading->text());
-            ++readings;
-        } else if (event->failure.text != lastFailure) {
-            complain(explained(event->failure));
-            output.print(outageRecord(now(), event->failure));
+        tally.add(*event);
+        if (const auto* const reading = std::get_if<Reading>(&*event)) {
+            output.print(reading->record(), reading->text());
+            lastFailure.clear();
+            continue;
         }
-        lastFailure = event->failure.text;
+        const auto& failure = std::get<Failure>(*event);
+        if (failure.what() != lastFailure) {
+            explain(failure);
+            output.print(outageRecord(failure), "");
+            lastFailure = failure.what();
+        }
     }
 }
 
 } // namespace
 
-int watchTimestamps(const Options& options) {
+void watchTimestamps(const Options& options, Output& output) {
     catchInterrupts();
-    Output output(options.format);
-    std::string summary;
-    if (options.format == Format::Text && watchOnTerminal(options, summary)) {
-        output.print({}, summary);
+    alarm(options.maxSeconds);
+    Tally tally;
+    if (options.format == Format::Text && watchOnTerminal(options, tally)) {
+        output.print({}, tally.counts());
+        output.print({}, tally.latency());
     } else {
-        watchInLines(options, output);
+        watchInLines(options, output, tally);
     }
-    return EXIT_SUCCESS;
+    if (isTimeUp() && tally.readings() < std::max(options.readings, 1ul)) {
+        throw Failure::timeout(
+            tools::printed("%lu readings within %u s", tally.readings(), options.maxSeconds));
+    }
 }
 
 } // namespace lipsyncctl

@@ -20,12 +20,12 @@ _lipsyncctl() {
             return
             ;;
         --format) words='text json csv' ;;
-        --timeout | --interval | --count | --capture | --rendering) ;;
+        --timeout | --wait | --interval | --count | --max-time) ;;
         *)
             # The words of the command before the cursor, without options and their values.
             for ((i = 1; i < COMP_CWORD; i++)); do
                 case ${COMP_WORDS[i]} in
-                    -s | --socket | --format | --timeout | --interval | --count | --capture | --rendering)
+                    -s | --socket | --format | --timeout | --wait | --interval | --count | --max-time)
                         [[ ${COMP_WORDS[i + 1]} != = ]] || ((++i))
                         ((++i))
                         ;;
@@ -33,16 +33,16 @@ _lipsyncctl() {
                 esac
             done
             case $command in
-                '') words='capabilities margin timestamps ping send-video' ;;
-                'margin ') words='get set' ;;
+                '') words='capabilities margin timestamps ping' ;;
+                'margin ') words='set' ;;
                 'margin set ') words='0 20 40 60 80 100' ;;
             esac
             if [[ ! $words || $cur == -* ]]; then
-                words='--help --version --socket --timeout --format --log'
+                words='--help --version --socket --format --timeout --wait --log'
+                [[ $command ]] || words+=' --help-all'
                 case $command in
-                    'timestamps ') words+=' --watch --interval --count' ;;
+                    'timestamps ') words+=' --watch --interval --count --max-time' ;;
                     'ping ') words+=' --count' ;;
-                    'send-video ') words+=' --capture --rendering' ;;
                 esac
             fi
             ;;

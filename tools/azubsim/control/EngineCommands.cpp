@@ -1,0 +1,69 @@
+#include <cmath>
+
+#include "tools/azubsim/control/Commands.h"
+#include "tools/azubsim/engine/AudioEngine.h"
+#include "tools/common/Number.h"
+
+namespace azubsim {
+
+namespace {
+
+using Clock = AudioEngine::Clock;
+using tools::formatNumber;
+
+// One day: more than a wrong clock needs, and far from the limits of a timestamp.
+constexpr double largestOffsetMs = 86400000;
+constexpr double largestDelayMs = 10000;
+
+AudioEngine::Ms toMs(double number) {
+    return AudioEngine::Ms(static_cast<AudioEngine::Ms::rep>(number));
+}
+
+std::string onOff(bool isOn) {
+    return isOn ? "on\n" : "off\n";
+}
+
+std::string status(const AudioEngine& engine) {
+    const auto jitter = engine.jitter();
+    std::string text = "margin " + std::to_string(engine.margin().count()) + " ms\ncall " +
+                       onOff(engine.isInCall());
+    if (engine.isFollowing()) {
+        text += "network from a file\n";
+    } else {
+        text += "network " + std::to_string(engine.network().count()) + " ms\njitter " +
+                (jitter ? std::to_string(jitter->count()) + " ms" : "auto") + '\n';
+    }
+    // A drift makes the offset any number. One decimal is enough, and the sum turns -0 into 0.
+    const double offset = std::round(engine.offsetMs(Clock::now()) * 10) / 10 + 0.0;
+    return text + "slew " + formatNumber(engine.slew()) + " ms/s\noffset " + formatNumber(offset) +
+           " ms\ndrift " + formatNumber(engine.driftPpm()) + " ppm\nfreeze " +
+           onOff(engine.isFrozen());
+}
+
+} // namespace
+
+void Commands::addEngine(AudioEngine& engine) {
+    add(Command::onOff("call", "start or end the call; outside it, answer error 1003",
+                       [&](bool isOn) { engine.setInCall(isOn); }));
+    add(Command::number("network", "MS", "set the network's delay; like jitter, ends --network",
+                        {0, largestDelayMs, " ms"},
+                        [&](auto number) { engine.setNetwork(toMs(*number)); }));
+    add(Command::number("jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary",
+                        {0, largestDelayMs, " ms"}, [&](auto number) {
+                            engine.setJitter(number ? std::optional(toMs(*number)) : std::nullopt);
+                        }));
+    add(Command::number("slew", "MS_PER_S", "apply a new margin at this rate; 0, at once",
+                        {0, 10000, " ms/s", false},
+                        [&](auto number) { engine.setSlew(*number, Clock::now()); }));
+    add(Command::number("offset", "MS", "set the far end's clock ahead; below 0, back",
+                        {-largestOffsetMs, largestOffsetMs, " ms"},
+                        [&](auto number) { engine.setOffsetMs(*number, Clock::now()); }));
+    add(Command::number("drift", "PPM", "make the far end's clock run fast; below 0, slow",
+                        {-100000, 100000, " ppm", false},
+                        [&](auto number) { engine.setDriftPpm(*number, Clock::now()); }));
+    add(Command::onOff("freeze", "repeat the same timestamps while the call goes on",
+                       [&](bool isOn) { isOn ? engine.freeze(Clock::now()) : engine.unfreeze(); }));
+    addStatus([&] { return status(engine); });
+}
+
+} // namespace azubsim

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tools/azubsim/engine/Fault.h"
+
+namespace azubsim {
+
+/// Decides which answers get which fault.
+///
+/// Without a seed, every N-th answer gets a fault, and the faults take turns. With a seed, each
+/// answer has a chance of one in N to get a random fault; the same seed repeats the choices.
+/// Answers that the faults do not aim at are not counted.
+class FaultPlan {
+public:
+    void clear() { _faults.clear(); }
+    void add(const Fault& fault) { _faults.push_back(fault); }
+
+    /// `every` is at least 1; 1 means every answer.
+    void setEvery(unsigned int every);
+    void setSeed(std::optional<std::uint32_t> seed);
+
+    /// Aims at the answers to a command, for example "GetAudioTs", or at a client, for example
+    /// "client 3". Each narrows the other; "all" ends both. Throws a `tools::Error`.
+    void aim(const std::string& target);
+
+    /// Throws a `tools::Error` if `aim` would.
+    static void checkTarget(const std::string& target) { FaultPlan().aim(target); }
+
+    /// The fault for the next answer, if it gets one.
+    std::optional<Fault> next(int client, const std::string& command);
+
+    /// Applies a fault to an answer without its end marker.
+    Reply apply(const Fault& fault, const std::string& answer) {
+        return fault.apply(answer, _random);
+    }
+
+    /// The settings, a line each.
+    std::string status() const;
+
+private:
+    std::vector<Fault> _faults;
+    unsigned int _every = 1;
+    unsigned int _answers = 0;
+    std::size_t _turn = 0;
+    std::optional<std::uint32_t> _seed;
+    std::mt19937 _random;
+    std::string _onlyCommand; ///< Empty for all.
+    int _onlyClient = 0;      ///< 0 for all.
+};
+
+} // namespace azubsim

@@ -1,0 +1,164 @@
+#include "tools/azubsim/report/Format.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "tools/common/Error.h"
+#include "tools/common/Number.h"
+
+namespace azubsim::format {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using std::chrono::microseconds;
+using tools::Error;
+
+constexpr const char* formatName = "azubsim recording";
+constexpr int formatVersion = 2;
+constexpr double maxWaitMs = 3600000;
+
+// Writes each byte as the character with the same number, in UTF-8.
+std::string toCharacters(const std::string& bytes) {
+    std::string text;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            text += c;
+        } else {
+            text += static_cast<char>(0xC0 | (byte >> 6));
+            text += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return text;
+}
+
+std::string toBytes(const std::string& text) {
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto first = static_cast<unsigned char>(text[i]);
+        if (first < 0x80) {
+            bytes += text[i];
+        } else if (first <= 0xC3) {
+            // Valid UTF-8 has a second byte here, and the parser has checked that.
+            const auto second = static_cast<unsigned char>(text[++i]);
+            bytes += static_cast<char>(((first & 0x03) << 6) | (second & 0x3F));
+        } else {
+            throw Error("bytes has a character above U+00FF");
+        }
+    }
+    return bytes;
+}
+
+double toMs(microseconds time) {
+    return tools::rounded(static_cast<double>(time.count()) / 1000);
+}
+
+microseconds waitOf(const Json& object, const char* key) {
+    const double ms = object.at(key).get<double>();
+    if (ms < 0 || ms > maxWaitMs) {
+        throw Error(std::string(key) + " is not from 0 to 3600000");
+    }
+    return microseconds(std::llround(ms * 1000));
+}
+
+std::string bytesOf(const Json& object, const char* key) {
+    return toBytes(object.at(key).get<std::string>());
+}
+
+// Recordings of earlier versions also know "reset".
+bool closes(const Json& object) {
+    const std::string end = object.at("end").get<std::string>();
+    if (end != "open" && end != "close" && end != "reset") {
+        throw Error("end is not open or close");
+    }
+    return end != "open";
+}
+
+Exchange toExchange(const Json& object) {
+    Exchange exchange;
+    const double seconds = object.at("time").get<double>();
+    if (!(std::abs(seconds) < 1e11)) {
+        throw Error("time is out of range");
+    }
+    exchange.time = microseconds(std::llround(seconds * 1e6));
+    exchange.client = object.at("client").get<int>();
+    exchange.request = bytesOf(object, "request");
+    exchange.isComplete = object.at("complete").get<bool>();
+    for (const Json& piece : object.at("answer")) {
+        exchange.reply.pieces.push_back({waitOf(piece, "after_ms"), bytesOf(piece, "bytes")});
+    }
+    exchange.reply.closes = closes(object);
+    exchange.fault = bytesOf(object, "fault");
+    exchange.said = toBytes(object.value("said", ""));
+    exchange.leftOut = object.value("left_out", std::size_t{0});
+    exchange.engineTook = waitOf(object, "engine_ms");
+    return exchange;
+}
+
+// ASCII only, so that every program reads the same characters.
+std::string line(const Json& object) {
+    return object.dump(-1, ' ', true) + '\n';
+}
+
+} // namespace
+
+std::string header() {
+    return line({{"format", formatName},
+                 {"version", formatVersion},
+                 {"made", tools::isoTime(tools::now(), 6)}});
+}
+
+void checkHeader(const std::string& line) {
+    const Json object = Json::parse(line, nullptr, false);
+    // Deeply nested values must be neither copied nor printed: that is recursive.
+    const auto found = object.find("format");
+    if (found == object.end() || *found != formatName) {
+        throw Error("line 1 is not the header of a recording");
+    }
+    const auto number = object.find("version");
+    if (number == object.end() || !number->is_number()) {
+        throw Error("line 1 has no version");
+    }
+    if (*number != formatVersion) {
+        throw Error("it has version " + number->dump() + ", but only version " +
+                    std::to_string(formatVersion) + " can be read");
+    }
+}
+
+std::string write(const Exchange& exchange) {
+    Json pieces = Json::array();
+    for (const Reply::Piece& piece : exchange.reply.pieces) {
+        pieces.push_back({{"after_ms", std::min(toMs(piece.wait), maxWaitMs)},
+                          {"bytes", toCharacters(piece.bytes)}});
+    }
+    Json object;
+    object["time"] = static_cast<double>(exchange.time.count()) / 1e6;
+    object["utc"] = tools::isoTime(exchange.time, 6);
+    object["client"] = exchange.client;
+    object["request"] = toCharacters(exchange.request);
+    object["complete"] = exchange.isComplete;
+    object["answer"] = pieces;
+    object["end"] = exchange.reply.closes ? "close" : "open";
+    object["fault"] = toCharacters(exchange.fault);
+    if (!exchange.said.empty()) {
+        object["said"] = toCharacters(exchange.said);
+    }
+    if (exchange.leftOut > 0) {
+        object["left_out"] = exchange.leftOut;
+    }
+    object["engine_ms"] = toMs(exchange.engineTook);
+    return line(object);
+}
+
+Exchange read(const std::string& line) {
+    try {
+        return toExchange(Json::parse(line));
+    } catch (const Json::exception& e) {
+        throw Error(e.what());
+    }
+}
+
+} // namespace azubsim::format

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace azubsim {
+
+/// Standard output and standard error of a program that must go on whatever their readers do.
+///
+/// Nothing here blocks: lines that nobody reads are left out and counted.
+class Screen {
+public:
+    Screen();
+    ~Screen();
+
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+
+    /// Prints a line to standard output, with control characters made visible. On a terminal, a
+    /// line that is too long is broken between words.
+    void say(const std::string& line);
+
+    /// The same with several lines, which contain no text from outside.
+    void sayLines(const std::string& lines);
+
+    /// The same with one line to standard error, and "azubsim: " before it.
+    void warn(const std::string& line);
+
+    /// Called once, if standard output cannot be written any more, with the reason.
+    std::function<void(const std::string& reason)> lost;
+
+private:
+    struct Stream {
+        int descriptor;
+        unsigned long leftOut = 0; ///< Lines that nobody has read.
+        bool isCut = false;        ///< The last line is not complete.
+        bool isLost = false;
+    };
+
+    void print(Stream& stream, const std::string& line);
+    void write(Stream& stream, const std::string& text);
+
+    Stream _output;
+    Stream _errors;
+};
+
+} // namespace azubsim

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace tools {
+
+/// A time since 1970 by the system's clock.
+using Time = std::chrono::microseconds;
+
+Time now();
+
+/// The time of an NTP timestamp in 32.32 fixed point.
+Time fromNtp(std::uint64_t ntp);
+
+/// From one NTP timestamp to another in ms, rounded to microseconds; negative if `end` is earlier.
+double msBetween(std::uint64_t start, std::uint64_t end);
+
+/// Local time of day with milliseconds, for example "13:05:01.250".
+std::string timeOfDay(Time time);
+
+/// Date and time in UTC as in ISO 8601, with 3 or 6 decimals: "2024-05-01T12:00:00.250Z".
+std::string isoTime(Time time, int decimals = 3);
+
+} // namespace tools
