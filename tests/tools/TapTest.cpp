@@ -164,3 +164,16 @@ TEST_F(Tap, CutsARing) {
     // One client for each tap, and one that closes the ring.
     expectStatus(" 2 clients, ");
 }
+
+TEST_F(Tap, ServesManyClientsAtOnce) {
+    const Engine engine(socket);
+    const Engine running = startTap();
+    std::vector<std::unique_ptr<Link>> clients;
+    for (int i = 0; i < 200; ++i) {
+        clients.push_back(connectTo(tap));
+        write(*clients.back(), tests::frame("<GetAudioTs_Request />"));
+    }
+    for (const auto& client : clients) {
+        EXPECT_PRED_FORMAT2(IsSubstring, "GetAudioTs_Answer", read(*client, 100));
+    }
+}
