@@ -1,3 +1,4 @@
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <ctime>
@@ -196,9 +197,9 @@ TEST_F(Lipsyncctl, CanBeEndedWhenItsReaderDoesNotRead) {
 TEST_F(Lipsyncctl, GivesUpIfTheEngineDoesNotAcceptConnections) {
     const tests::Listener listener(socket);
     // Its queue takes one more than the four that it asks for.
-    std::vector<std::unique_ptr<velta::zub::comms::Link>> waiting;
-    for (int i = 0; i < 5; ++i) {
-        waiting.push_back(connectTo(socket));
+    std::array<std::unique_ptr<velta::zub::comms::Link>, 5> waiting;
+    for (auto& client : waiting) {
+        client = connectTo(socket);
     }
     expectFailure(LIPSYNCCTL, "capabilities --timeout 100" + at, 4,
                   "lipsyncctl: no connection within 100 ms\n");

@@ -112,7 +112,7 @@ TEST_F(Scenario, StatusShowsWhatCommandsChanged) {
     const auto replyTo = [&](const std::string& commands) {
         engine.write(commands + "status\n");
         engine.readUntil("margin 0 ms\n");
-        const std::string status = engine.readUntil("only all\n");
+        std::string status = engine.readUntil("only all\n");
         engine.readUntil("quiet off\n");
         return status;
     };

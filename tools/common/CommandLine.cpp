@@ -66,7 +66,7 @@ void printAll(const CLI::App& app) {
 
 // The words of the parser where they are good, and ours elsewhere.
 std::string words(const CLI::App& app, const CLI::ParseError& error) {
-    const std::string text = error.what();
+    std::string text = error.what();
     const auto is = [&](CLI::ExitCodes code) {
         return error.get_exit_code() == static_cast<int>(code);
     };

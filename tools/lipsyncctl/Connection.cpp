@@ -57,7 +57,7 @@ void Connection::run(const Call& call) {
             _service.disconnect();
             _isConnected = false;
         }
-        throw failure;
+        throw Failure(failure);
     }
 }
 

@@ -47,7 +47,7 @@ Reply Replay::next(const std::string& request) {
     if (answers.next == answers.replies.size()) {
         return {{}, true};
     }
-    const Reply reply = answers.replies[answers.next++];
+    Reply reply = answers.replies[answers.next++];
     if (answers.next == answers.replies.size() && !_rules.repeats) {
         _note = "the recording has no more answers" + (command.empty() ? "" : " to " + command) +
                 "; further requests close the connection";
