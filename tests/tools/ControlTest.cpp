@@ -56,7 +56,7 @@ TEST_F(Control, TheEndOfATerminalsInputEndsTheProgram) {
     if (!engine.hasStarted()) {
         GTEST_SKIP() << "no pseudo-terminal can be opened";
     }
-    engine.readUntil("listening at ");
+    engine.readUntil("listening at");
     run(LIPSYNCCTL, "timestamps" + at, 6);
     // Lines are broken at 80 columns, perhaps also that with the path of the socket.
     std::istringstream lines(engine.readUntil("latency"));
