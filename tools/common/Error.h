@@ -22,4 +22,11 @@ private:
     int _exitStatus;
 };
 
+/// Throws an `Error` with this text unless a condition holds.
+inline void require(bool holds, const std::string& text) {
+    if (!holds) {
+        throw Error(text);
+    }
+}
+
 } // namespace tools
