@@ -13,7 +13,7 @@ namespace azubsim {
 
 namespace {
 
-using tools::Error;
+using tools::require;
 
 constexpr const char* header = "time_s,audio_ms,depth_ms,picture_ms";
 constexpr double largestMs = 10000;
@@ -25,14 +25,9 @@ Network::Row parseRow(const std::string& line) {
         numbers.push_back(tools::parseNumber(cell).value_or(NAN));
     }
     const auto isNumber = [](double number) { return !std::isnan(number); };
-    if (numbers.size() != 4 || !std::all_of(numbers.begin(), numbers.end(), isNumber)) {
-        throw Error("'" + line + "' is not four numbers");
-    }
+    require(numbers.size() == 4 && std::all_of(numbers.begin(), numbers.end(), isNumber),
+            "'" + line + "' is not four numbers");
     return {numbers[0], numbers[1], numbers[2], numbers[3]};
-}
-
-bool isLatency(double ms) {
-    return ms >= 0 && ms <= largestMs;
 }
 
 } // namespace
@@ -40,27 +35,22 @@ bool isLatency(double ms) {
 Network::Network(const std::string& file) {
     bool hasHeader = false;
     tools::readLines(file, [&](const std::string& line) {
+        require(hasHeader || line == header, std::string("the header must be ") + header);
         if (hasHeader) {
             add(line);
-        } else if (line != header) {
-            throw Error(std::string("the header must be ") + header);
         }
         hasHeader = true;
     });
-    if (_rows.empty()) {
-        throw Error(file + ": it has no rows");
-    }
+    require(!_rows.empty(), file + ": it has no rows");
 }
 
 void Network::add(const std::string& line) {
     const Row row = parseRow(line);
-    if (row.seconds < 0 || (!_rows.empty() && row.seconds <= _rows.back().seconds)) {
-        throw Error("the time must be later than in the line before, and not below 0");
-    }
-    if (!isLatency(row.audioMs) || !isLatency(row.depthMs) || !isLatency(row.pictureMs)) {
-        throw Error("latencies and depth must be from 0 to " + tools::formatNumber(largestMs) +
-                    " ms");
-    }
+    require(row.seconds >= 0 && (_rows.empty() || row.seconds > _rows.back().seconds),
+            "the time must be later than in the line before, and not below 0");
+    const auto [least, most] = std::minmax({row.audioMs, row.depthMs, row.pictureMs});
+    require(least >= 0 && most <= largestMs,
+            "latencies and depth must be from 0 to " + tools::formatNumber(largestMs) + " ms");
     _rows.push_back(row);
 }
 
