@@ -3,107 +3,80 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tools/common/Time.h"
+
 namespace azubsim {
 
 namespace {
 
-using std::chrono::duration;
-using std::chrono::duration_cast;
-using std::chrono::milliseconds;
-using std::chrono::nanoseconds;
-using Time = AudioEngine::Clock::time_point;
-constexpr milliseconds packetLength{20};
-constexpr milliseconds playoutDelay{10};
+constexpr std::chrono::milliseconds packetLength{20};
+constexpr double playoutDelayMs = 10;
 
-Verdict notInCall() {
-    return {1003, "no call"};
+const Verdict notInCall{1003, "no call"};
+
+double secondsBetween(AudioEngine::Time start, AudioEngine::Time end) {
+    return std::chrono::duration<double>(end - start).count();
 }
 
-// A time before 1900 becomes 0, because an unsigned timestamp would wrap.
-std::uint64_t toNtp(Time time) {
-    constexpr std::chrono::seconds from1900To1970(2208988800);
-    const nanoseconds since1900 = duration_cast<nanoseconds>(time.time_since_epoch()) +
-                                  duration_cast<nanoseconds>(from1900To1970);
-    const auto ns = static_cast<std::uint64_t>(std::max(since1900, nanoseconds(0)).count());
-    constexpr std::uint64_t nsPerSecond = 1000000000;
-    return ((ns / nsPerSecond) << 32) + ((ns % nsPerSecond) << 32) / nsPerSecond;
-}
-
-// Varies between 20 and 120 ms: a slow sine wave plus a faster, smaller one.
-milliseconds wave(Time time) {
+// Varies between 20 and 120: a slow sine wave plus a faster, smaller one.
+double waveMs(AudioEngine::Time time) {
     constexpr double twoPi = 6.283185307179586;
-    const double seconds = duration<double>(time.time_since_epoch()).count();
-    const double depth = 70 + 45 * std::sin(twoPi * std::fmod(seconds / 30.0, 1.0)) +
-                         5 * std::sin(twoPi * std::fmod(seconds / 7.0, 1.0));
-    return milliseconds(std::lround(depth));
-}
-
-// From `from` towards `to`, but not further than `most`, which a clock that is set back makes
-// negative.
-double approach(double from, double to, double most) {
-    const double limit = std::max(most, 0.0);
-    return from + std::clamp(to - from, -limit, limit);
+    const double seconds = secondsBetween({}, time);
+    return std::round(70 + 45 * std::sin(twoPi * std::fmod(seconds / 30.0, 1.0)) +
+                      5 * std::sin(twoPi * std::fmod(seconds / 7.0, 1.0)));
 }
 
 // All timestamps belong to this packet, so the far end's clock also changes only with a packet.
-Time lastPacket(Time now) {
+AudioEngine::Time lastPacket(AudioEngine::Time now) {
     return now - now.time_since_epoch() % packetLength;
 }
 
 } // namespace
 
-double AudioEngine::offsetMs(Clock::time_point now) const {
-    const DecimalMs passed = lastPacket(now) - _offsetSet;
-    return _offsetMs + passed.count() * _driftPpm / 1e6;
+double AudioEngine::offsetMs(Time now) const {
+    return _offsetMs + secondsBetween(_offsetSet, lastPacket(now)) * 1000 * _driftPpm / 1e6;
 }
 
-void AudioEngine::setOffsetMs(double offset, Clock::time_point now) {
+void AudioEngine::setOffsetMs(double offset, Time now) {
     _offsetMs = offset;
     _offsetSet = lastPacket(now);
 }
 
-void AudioEngine::setDriftPpm(double drift, Clock::time_point now) {
+void AudioEngine::setDriftPpm(double drift, Time now) {
     setOffsetMs(offsetMs(now), now);
     _driftPpm = drift;
 }
 
-void AudioEngine::freeze(Clock::time_point now) {
-    if (!_frozen) {
-        _frozen = measure(now);
-    }
-}
-
-Verdict AudioEngine::timestamps(Clock::time_point now, Timestamps& timestamps) const {
+Verdict AudioEngine::timestamps(Time now, Timestamps& timestamps) const {
     if (!_inCall) {
-        return notInCall();
+        return notInCall;
     }
     timestamps = _frozen ? *_frozen : measure(now);
     return {};
 }
 
-Timestamps AudioEngine::measure(Clock::time_point now) const {
+Timestamps AudioEngine::measure(Time now) const {
     const Time received = lastPacket(now);
-    const Path path = this->path(received);
-    const DecimalMs margin(appliedMarginMs(now));
-    const auto shifted = [received](DecimalMs time) {
-        return toNtp(received + duration_cast<Clock::duration>(time));
+    const Network::Row network = networkAt(received);
+    // The packet arrives when it has been captured, whatever a recorded network says.
+    const double waitMs = std::min(network.depthMs + playoutDelayMs, network.audioMs);
+    const auto shifted = [received](double ms) {
+        const std::chrono::duration<double, std::milli> shift(ms);
+        return tools::toNtp(received.time_since_epoch() +
+                            std::chrono::duration_cast<Clock::duration>(shift));
     };
-    return {shifted(DecimalMs(offsetMs(now)) - path.travel), shifted(path.wait + margin),
-            toNtp(received), static_cast<std::uint64_t>(std::llround(path.depth.count()))};
+    return {shifted(offsetMs(now) - (network.audioMs - waitMs)),
+            shifted(waitMs + appliedMarginMs(now)), shifted(0),
+            static_cast<std::uint64_t>(std::llround(network.depthMs))};
 }
 
-AudioEngine::Path AudioEngine::path(Clock::time_point received) const {
+Network::Row AudioEngine::networkAt(Time received) const {
     if (_recorded) {
-        const duration<double> passed = received - _networkStart.value_or(received);
-        const Network::Row& row = _recorded->at(passed.count());
-        const DecimalMs latency(row.audioMs);
-        const DecimalMs depth(row.depthMs);
-        // The packet arrives when it has been captured, whatever the file says.
-        const DecimalMs wait = std::min<DecimalMs>(depth + playoutDelay, latency);
-        return {latency - wait, depth, wait};
+        const Time start = _networkStart.value_or(received);
+        return _recorded->at(secondsBetween(start, received));
     }
-    const milliseconds depth = _jitter ? *_jitter : wave(received);
-    return {_network, depth, depth + playoutDelay};
+    const double depth = _jitter ? static_cast<double>(_jitter->count()) : waveMs(received);
+    return {0, static_cast<double>(_network.count()) + depth + playoutDelayMs, depth, 0};
 }
 
 void AudioEngine::setNetwork(Ms delay) {
@@ -116,28 +89,29 @@ void AudioEngine::setJitter(std::optional<Ms> depth) {
     _recorded.reset();
 }
 
-double AudioEngine::appliedMarginMs(Clock::time_point now) const {
+double AudioEngine::appliedMarginMs(Time now) const {
     const auto margin = static_cast<double>(_margin.count());
-    const duration<double> passed = lastPacket(now) - _marginSet;
-    return _slew > 0 ? approach(_appliedMs, margin, _slew * passed.count()) : margin;
+    // A clock that is set back would make this negative.
+    const double most = std::max(_slew * secondsBetween(_marginSet, lastPacket(now)), 0.0);
+    return _slew > 0 ? _appliedMs + std::clamp(margin - _appliedMs, -most, most) : margin;
 }
 
-Verdict AudioEngine::setMargin(std::uint64_t marginMs, Clock::time_point now) {
+Verdict AudioEngine::setMargin(std::uint64_t marginMs, Time now) {
     constexpr std::uint64_t maxMarginMs = 100;
     constexpr std::uint64_t granularityMs = 20;
     if (!_inCall) {
-        return notInCall();
+        return notInCall;
     }
     if (marginMs > maxMarginMs || marginMs % granularityMs != 0) {
         return {1002, "margin must be a multiple of 20 up to 100"};
     }
     setSlew(_slew, now);
-    _margin = milliseconds(marginMs);
+    _margin = Ms(marginMs);
     return {};
 }
 
 // The rate or the margin changes, but what has been applied does not jump.
-void AudioEngine::setSlew(double msPerSecond, Clock::time_point now) {
+void AudioEngine::setSlew(double msPerSecond, Time now) {
     _appliedMs = appliedMarginMs(now);
     _marginSet = lastPacket(now);
     _slew = msPerSecond;

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "tools/azubsim/engine/Network.h"
-#include "tools/azubsim/protocol/Timestamps.h"
+#include "tools/azubsim/protocol/Messages.h"
 
 namespace azubsim {
 
@@ -17,6 +17,7 @@ namespace azubsim {
 class AudioEngine {
 public:
     using Clock = std::chrono::system_clock;
+    using Time = Clock::time_point;
     using Ms = std::chrono::milliseconds;
 
     bool isInCall() const { return _inCall; }
@@ -25,7 +26,7 @@ public:
     /// Follows a recorded network, which must have rows, until `setNetwork` or `setJitter`. Its
     /// time begins with the first `startNetwork`.
     void follow(Network network) { _recorded = std::move(network); }
-    void startNetwork(Clock::time_point now) { _networkStart = _networkStart.value_or(now); }
+    void startNetwork(Time now) { _networkStart = _networkStart.value_or(now); }
     bool isFollowing() const { return _recorded.has_value(); }
 
     /// The one-way delay from the far end to here.
@@ -38,60 +39,51 @@ public:
 
     /// How far the far end's clock, which gives the capture timestamps, is ahead at this time, in
     /// ms. Setting it discards what a drift has added; the drift continues from the new offset.
-    double offsetMs(Clock::time_point now) const;
-    void setOffsetMs(double offset, Clock::time_point now);
+    double offsetMs(Time now) const;
+    void setOffsetMs(double offset, Time now);
 
     /// How fast the far end's clock gains, in parts per million. A new drift starts at the present
     /// offset, so the clock does not jump.
     double driftPpm() const { return _driftPpm; }
-    void setDriftPpm(double drift, Clock::time_point now);
+    void setDriftPpm(double drift, Time now);
 
     /// A frozen engine repeats the timestamps that it had when it froze.
     bool isFrozen() const { return _frozen.has_value(); }
-    void freeze(Clock::time_point now);
+    void freeze(Time now) { _frozen = _frozen.value_or(measure(now)); }
     void unfreeze() { _frozen.reset(); }
 
     /// When the packet that arrived last was captured and received, and when it will be rendered:
     /// the margin is added to the rendering time.
-    Verdict timestamps(Clock::time_point now, Timestamps& timestamps) const;
+    Verdict timestamps(Time now, Timestamps& timestamps) const;
 
     /// Accepts multiples of 20 ms up to 100 ms.
-    Verdict setMargin(std::uint64_t marginMs, Clock::time_point now);
+    Verdict setMargin(std::uint64_t marginMs, Time now);
     Ms margin() const { return _margin; }
 
     /// How fast a new margin is applied, in ms per second; 0 means at once.
     double slew() const { return _slew; }
-    void setSlew(double msPerSecond, Clock::time_point now);
+    void setSlew(double msPerSecond, Time now);
 
     /// An engine that has been away comes back without a margin.
     void resetMargin();
 
 private:
-    using DecimalMs = std::chrono::duration<double, std::milli>;
-
-    /// How a packet gets from the far end to the loudspeaker.
-    struct Path {
-        DecimalMs travel;
-        DecimalMs depth;
-        DecimalMs wait; ///< From arrival to rendering without a margin.
-    };
-
-    Timestamps measure(Clock::time_point now) const;
-    Path path(Clock::time_point received) const;
-    double appliedMarginMs(Clock::time_point now) const;
+    Timestamps measure(Time now) const;
+    Network::Row networkAt(Time received) const;
+    double appliedMarginMs(Time now) const;
 
     bool _inCall = true;
     Ms _margin{0};
     double _slew = 0;
     double _appliedMs = 0; ///< Of the margin, at `_marginSet`.
-    Clock::time_point _marginSet;
+    Time _marginSet;
     Ms _network{60};
     std::optional<Ms> _jitter;
     std::optional<Network> _recorded;
-    std::optional<Clock::time_point> _networkStart;
+    std::optional<Time> _networkStart;
     double _offsetMs = 0; ///< At `_offsetSet`.
     double _driftPpm = 0;
-    Clock::time_point _offsetSet;
+    Time _offsetSet;
     std::optional<Timestamps> _frozen;
 };
 

@@ -22,35 +22,25 @@ void FaultPlan::aim(const std::string& target) {
     const int client = tools::parseInteger<int>(words.rest).value_or(0);
     if (words.first == "client" && client > 0) {
         _onlyClient = client;
-    } else if (kindOf(target) != Kind::Other) {
+    } else if (names::contains(names::commands, target)) {
         _onlyCommand = target;
     } else if (target == "all") {
         _onlyCommand.clear();
         _onlyClient = 0;
     } else {
-        std::string commands;
-        for (const CommandName& command : commandNames) {
-            commands += std::string(command.name) + ", ";
-        }
-        throw tools::Error("'" + target + "' is not one of " + commands + "client N and all");
+        throw tools::Error("'" + target + "' is not one of " +
+                           names::joined(names::commands, ", ") + ", client N and all");
     }
 }
 
 std::optional<Fault> FaultPlan::next(int client, const std::string& command) {
     const bool isAimed = (_onlyCommand.empty() || _onlyCommand == command) &&
                          (_onlyClient == 0 || _onlyClient == client);
-    if (_faults.empty() || !isAimed) {
-        return std::nullopt;
-    }
     // Use remainders, because distributions differ between standard libraries.
-    if (_seed) {
-        const bool isChosen = _random() % _every == 0;
-        return isChosen ? std::optional(_faults[_random() % _faults.size()]) : std::nullopt;
-    }
-    if (++_answers % _every != 0) {
+    if (_faults.empty() || !isAimed || (_seed ? _random() : ++_answers) % _every != 0) {
         return std::nullopt;
     }
-    return _faults[_turn++ % _faults.size()];
+    return _faults[(_seed ? _random() : _turn++) % _faults.size()];
 }
 
 std::string FaultPlan::status() const {
@@ -60,13 +50,10 @@ std::string FaultPlan::status() const {
     }
     text += "every " + std::to_string(_every) + '\n';
     text += "seed " + (_seed ? std::to_string(*_seed) : "none") + '\n';
-    if (!_onlyCommand.empty()) {
-        text += "only " + _onlyCommand + '\n';
-    }
-    if (_onlyClient > 0) {
-        text += "only client " + std::to_string(_onlyClient) + '\n';
-    }
-    return text + (_onlyCommand.empty() && _onlyClient == 0 ? "only all\n" : "");
+    const std::string command = _onlyCommand.empty() ? "" : "only " + _onlyCommand + '\n';
+    const std::string client =
+        _onlyClient == 0 ? "" : "only client " + std::to_string(_onlyClient) + '\n';
+    return text + (command.empty() && client.empty() ? "only all\n" : command + client);
 }
 
 } // namespace azubsim

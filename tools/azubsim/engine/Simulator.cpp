@@ -1,41 +1,38 @@
 #include "tools/azubsim/engine/Simulator.h"
 
-#include "tools/azubsim/protocol/Document.h"
-#include "tools/azubsim/protocol/Request.h"
+#include "tools/azubsim/protocol/Names.h"
 #include "tools/common/Error.h"
 
 namespace azubsim {
 
 void Simulator::answer(Exchange& exchange) {
-    Request request;
-    std::string answer;
+    Answer answer;
     try {
-        request = parseRequest(exchange.request);
-        answer = carryOut(request);
+        answer = carryOut(parseRequest(exchange.request));
     } catch (const tools::Error&) {
         exchange.reply = {{}, true};
         return;
     }
-    const auto fault = _faults.next(exchange.client, request.command);
-    if (!fault) {
-        exchange.reply = deliver(answer);
-        return;
+    const std::string text = print(answer);
+    const auto fault = _faults.next(exchange.client, answer.command);
+    if (fault) {
+        exchange.fault = fault->text();
+        exchange.said = text + endMarker;
     }
-    exchange.fault = fault->text();
-    exchange.said = answer + endMarker;
-    exchange.reply = _faults.apply(*fault, answer);
+    exchange.reply = fault ? _faults.apply(*fault, text) : deliver(text);
 }
 
-std::string Simulator::carryOut(const Request& request) {
+Answer Simulator::carryOut(const Request& request) {
     const auto now = AudioEngine::Clock::now();
-    switch (request.kind) {
-        case Kind::GetAudioTs: break;
-        case Kind::SetAudioDelay: return delayAnswer(_engine.setMargin(request.delayMs, now));
-        case Kind::Other: throw tools::Error("unknown command '" + request.command + "'");
+    Answer answer{request.command, {}, {}};
+    if (request.command == names::getAudioTs) {
+        answer.verdict = _engine.timestamps(now, answer.timestamps.emplace());
+    } else if (request.command == names::setAudioDelay) {
+        answer.verdict = _engine.setMargin(*request.marginMs, now);
+    } else {
+        throw tools::Error("unknown command '" + request.command + "'");
     }
-    Timestamps timestamps;
-    const Verdict verdict = _engine.timestamps(now, timestamps);
-    return timestampsAnswer(timestamps, verdict);
+    return answer;
 }
 
 } // namespace azubsim

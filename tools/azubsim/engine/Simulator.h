@@ -1,11 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "tools/azubsim/engine/AudioEngine.h"
 #include "tools/azubsim/engine/FaultPlan.h"
 #include "tools/azubsim/protocol/Exchange.h"
-#include "tools/azubsim/protocol/Request.h"
 
 namespace azubsim {
 
@@ -19,7 +16,7 @@ public:
     void answer(Exchange& exchange);
 
 private:
-    std::string carryOut(const Request& request);
+    Answer carryOut(const Request& request);
 
     AudioEngine& _engine;
     FaultPlan& _faults;

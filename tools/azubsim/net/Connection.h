@@ -9,7 +9,7 @@
 #include <memory>
 #include <string_view>
 
-#include "tools/azubsim/protocol/Reply.h"
+#include "tools/azubsim/protocol/Exchange.h"
 
 namespace azubsim {
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <utility>
 
-#include "tools/azubsim/protocol/Request.h"
+#include "tools/azubsim/protocol/Messages.h"
 
 namespace azubsim {
 

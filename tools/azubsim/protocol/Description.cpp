@@ -2,8 +2,7 @@
 
 #include <cstring>
 
-#include "tools/azubsim/protocol/Answer.h"
-#include "tools/azubsim/protocol/Request.h"
+#include "tools/azubsim/protocol/Messages.h"
 #include "tools/common/Error.h"
 
 namespace azubsim {
@@ -18,31 +17,32 @@ std::string joined(const std::string& first, const std::string& second) {
     return first + (first.empty() || second.empty() ? "" : ", ") + second;
 }
 
-void describeAnswer(const std::optional<Request>& request, const Answer& answer,
-                    Description& description) {
-    if (request && answer.command != request->command) {
+// The request is empty if it is bad.
+void describeAnswer(const Request& request, const Answer& answer, Description& description) {
+    if (!request.command.empty() && answer.command != request.command) {
         description.verdict = "answer to another command";
         return;
     }
-    const bool isAccepted = answer.verdict.code == Verdict::success;
-    description.verdict = isAccepted ? "ok" : std::to_string(answer.verdict.code);
-    description.message = answer.verdict.message;
-    if (isAccepted && answer.timestamps) {
-        description.latencyMs =
-            tools::msBetween(answer.timestamps->capture, answer.timestamps->rendering);
-        description.jitterMs = answer.timestamps->jitterDepthMs;
+    if (!answer.verdict.message.empty()) {
+        description.message = answer.verdict.message;
     }
-    if (isAccepted && request && request->kind == Kind::SetAudioDelay) {
-        description.marginMs = request->delayMs;
+    if (answer.verdict.code != Verdict::success) {
+        description.verdict = std::to_string(answer.verdict.code);
+        return;
+    }
+    description.verdict = "ok";
+    description.marginMs = request.marginMs;
+    if (const auto& timestamps = answer.timestamps) {
+        description.latencyMs = tools::msBetween(timestamps->capture, timestamps->rendering);
+        description.jitterMs = timestamps->jitterDepthMs;
     }
 }
 
-void describeReply(const std::optional<Request>& request, const Exchange& exchange,
-                   Description& description) {
+void describeReply(const Request& request, const Exchange& exchange, Description& description) {
     const std::string bytes = exchange.reply.bytes();
     const std::string end = exchange.reply.closes ? "closed" : "";
-    const std::size_t size = bytes.find(endMarker);
     const std::size_t all = bytes.size() + exchange.leftOut;
+    const std::size_t size = bytes.find(endMarker);
     if (size == std::string::npos) {
         const std::string what = exchange.leftOut > 0 ? "long answer " : "unfinished answer ";
         description.verdict = joined(all == 0 ? "no answer" : what + count(all), end);
@@ -68,22 +68,16 @@ Description describe(const Exchange& exchange) {
         description.verdict = exchange.reply.closes ? "closed" : "";
         return description;
     }
-    std::optional<Request> request;
-    std::string reason;
+    Request request;
     try {
         request = parseRequest(exchange.request);
-        description.command = request->command;
-        if (request->kind == Kind::SetAudioDelay) {
-            description.argument = std::to_string(request->delayMs);
-        }
+        description.command = request.command;
+        description.argument = request.marginMs ? std::to_string(*request.marginMs) : "";
     } catch (const tools::Error& e) {
         description.command = "bad request";
-        reason = e.what();
+        description.message = e.what();
     }
     describeReply(request, exchange, description);
-    if (description.message.empty()) {
-        description.message = reason;
-    }
     return description;
 }
 
@@ -92,7 +86,7 @@ std::optional<Description> describeSaid(const Exchange& exchange) {
         return std::nullopt;
     }
     Exchange unspoiled = exchange;
-    unspoiled.reply = {{{std::chrono::microseconds(0), exchange.said}}, false};
+    unspoiled.reply = {{{noWait, exchange.said}}};
     return describe(unspoiled);
 }
 

@@ -2,11 +2,37 @@
 
 #include <chrono>
 #include <string>
+#include <vector>
 
-#include "tools/azubsim/protocol/Reply.h"
 #include "tools/common/Time.h"
 
 namespace azubsim {
+
+/// The empty line at the end of every message.
+inline constexpr const char* endMarker = "\n\n";
+
+/// For a piece that is written at once.
+inline constexpr std::chrono::microseconds noWait{0};
+
+/// The reply to one request: pieces to write one by one, and what then happens to the connection.
+struct Reply {
+    struct Piece {
+        std::chrono::microseconds wait{0}; ///< Before writing `bytes`.
+        std::string bytes;
+    };
+
+    std::vector<Piece> pieces;
+    bool closes = false; ///< Whether the connection is then closed.
+
+    /// All pieces joined.
+    std::string bytes() const {
+        std::string all;
+        for (const Piece& piece : pieces) {
+            all += piece.bytes;
+        }
+        return all;
+    }
+};
 
 /// A request and what the client got for it.
 struct Exchange {

@@ -1,46 +1,25 @@
 #pragma once
 
+#include <algorithm>
+#include <initializer_list>
 #include <string>
 
-namespace azubsim {
+/// The names in documents.
+namespace azubsim::names {
 
-/// What a message is about.
-enum class Kind { GetAudioTs, SetAudioDelay, Other };
+using List = std::initializer_list<const char*>;
 
-/// The names of the commands. The elements of requests and answers add an ending.
-struct CommandName {
-    Kind kind;
-    const char* name;
-};
-inline constexpr CommandName commandNames[] = {{Kind::GetAudioTs, "GetAudioTs"},
-                                               {Kind::SetAudioDelay, "SetAudioDelay"}};
+inline constexpr const char* getAudioTs = "GetAudioTs";
+inline constexpr const char* setAudioDelay = "SetAudioDelay";
 
-inline std::string nameOf(Kind kind) {
-    for (const CommandName& command : commandNames) {
-        if (command.kind == kind) {
-            return command.name;
-        }
-    }
-    return "";
-}
-
-inline Kind kindOf(const std::string& name) {
-    for (const CommandName& command : commandNames) {
-        if (name == command.name) {
-            return command.kind;
-        }
-    }
-    return Kind::Other;
-}
-
-/// The other names in documents.
-namespace names {
+/// All commands. The elements of requests and answers add an ending.
+inline constexpr List commands = {getAudioTs, setAudioDelay};
+inline constexpr const char* requestEnding = "_Request";
+inline constexpr const char* answerEnding = "_Answer";
 
 inline constexpr const char* root = "AZUB";
 inline constexpr const char* version = "version";
 inline constexpr const char* currentVersion = "0.1.0";
-inline constexpr const char* requestEnding = "_Request";
-inline constexpr const char* answerEnding = "_Answer";
 inline constexpr const char* timestamps = "LipSyncNtpTimestamps";
 inline constexpr const char* capture = "capture_timestamp";
 inline constexpr const char* rendering = "rendering_timestamp";
@@ -51,9 +30,19 @@ inline constexpr const char* code = "ErrorCode";
 inline constexpr const char* message = "Message";
 
 /// The elements inside an answer.
-inline constexpr const char* inAnswers[] = {timestamps,  capture, rendering, receiving,
-                                            jitterDepth, result,  code,      message};
+inline constexpr List inAnswers = {timestamps,  capture, rendering, receiving,
+                                   jitterDepth, result,  code,      message};
 
-} // namespace names
+inline bool contains(List names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
 
-} // namespace azubsim
+inline std::string joined(List names, const std::string& separator) {
+    std::string all;
+    for (const char* const name : names) {
+        all += (all.empty() ? "" : separator) + name;
+    }
+    return all;
+}
+
+} // namespace azubsim::names

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "tools/azubsim/protocol/Request.h"
+#include "tools/azubsim/protocol/Messages.h"
 #include "tools/common/Error.h"
 
 namespace azubsim {
