@@ -4,6 +4,7 @@
 
 #include "tools/azubsim/Program.h"
 #include "tools/azubsim/engine/FaultPlan.h"
+#include "tools/azubsim/protocol/Names.h"
 #include "tools/common/CommandLine.h"
 #include "tools/common/Error.h"
 #include "tools/common/Number.h"
@@ -82,8 +83,9 @@ void addFaults(CLI::App& app, Options& options) {
         ->check(tools::integerFrom(0, UINT32_MAX))
         ->needs(fault);
     app.add_option("--only", options.targets,
-                   "Spoil only the answers to this command, GetAudioTs or SetAudioDelay, or to "
-                   "this client, for example 'client 3'")
+                   "Spoil only the answers to this command, " +
+                       names::joined(names::commands, " or ") +
+                       ", or to this client, for example 'client 3'")
         ->option_text("TARGET")
         ->expected(1)
         ->take_all()
