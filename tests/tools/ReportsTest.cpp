@@ -9,6 +9,8 @@
 #include <string>
 
 #include "tests/tools/Exchanges.h"
+#include "tools/azubsim/engine/Simulator.h"
+#include "tools/azubsim/protocol/Names.h"
 #include "tools/azubsim/report/Line.h"
 #include "tools/azubsim/report/Trace.h"
 
@@ -81,6 +83,20 @@ TEST(Trace, FollowsTheRulesOfItsFormat) {
     }
     EXPECT_EQ(events, (std::map<std::string, int>{{"M", 3}, {"X", 4}, {"C", 3}, {"i", 2}}));
     EXPECT_EQ(figures, "audio latency 500.0 jitter depth 62 margin 40 ");
+}
+
+TEST(Simulator, AnswersEveryCommand) {
+    AudioEngine engine;
+    FaultPlan faults;
+    const auto verdict = [&](const std::string& command) {
+        Exchange exchange;
+        exchange.request = frame('<' + command + "_Request>40</" + command + "_Request>");
+        Simulator(engine, faults).answer(exchange);
+        return describe(exchange).verdict;
+    };
+    for (const char* const command : names::commands) {
+        EXPECT_EQ(verdict(command), "ok") << command;
+    }
 }
 
 TEST(ExchangeLine, TellsWhatHappened) {
