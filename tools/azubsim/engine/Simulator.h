@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "tools/azubsim/engine/AudioEngine.h"
 #include "tools/azubsim/engine/FaultPlan.h"
 #include "tools/azubsim/protocol/Exchange.h"
@@ -16,7 +18,8 @@ public:
     void answer(Exchange& exchange);
 
 private:
-    Answer carryOut(const Request& request);
+    /// Nothing if the request is bad or its command unknown.
+    std::optional<Answer> carryOut(const Request& request);
 
     AudioEngine& _engine;
     FaultPlan& _faults;

@@ -17,7 +17,6 @@ std::string joined(const std::string& first, const std::string& second) {
     return first + (first.empty() || second.empty() ? "" : ", ") + second;
 }
 
-// The request is empty if it is bad.
 void describeAnswer(const Request& request, const Answer& answer, Description& description) {
     if (!request.command.empty() && answer.command != request.command) {
         description.verdict = "answer to another command";
@@ -68,15 +67,10 @@ Description describe(const Exchange& exchange) {
         description.verdict = exchange.reply.closes ? "closed" : "";
         return description;
     }
-    Request request;
-    try {
-        request = parseRequest(exchange.request);
-        description.command = request.command;
-        description.argument = request.marginMs ? std::to_string(*request.marginMs) : "";
-    } catch (const tools::Error& e) {
-        description.command = "bad request";
-        description.message = e.what();
-    }
+    const Request request = parseRequest(exchange.request);
+    description.command = request.command.empty() ? "bad request" : request.command;
+    description.argument = request.marginMs ? std::to_string(*request.marginMs) : "";
+    description.message = request.problem;
     describeReply(request, exchange, description);
     return description;
 }

@@ -69,23 +69,21 @@ void parse(xml_node parent, const char* name, Number& number) {
 } // namespace
 
 Request parseRequest(const std::string& text) {
-    pugi::xml_document document;
-    const xml_node element = parseDocument(text, document);
-    Request request{commandIn(element, names::requestEnding), {}};
-    if (request.command == names::setAudioDelay) {
-        const std::string margin = element.child_value();
-        request.marginMs = tools::parseInteger<std::uint64_t>(margin);
-        require(request.marginMs.has_value(), "margin '" + margin + "' is not a decimal number");
+    Request request;
+    try {
+        pugi::xml_document document;
+        const xml_node element = parseDocument(text, document);
+        request.command = commandIn(element, names::requestEnding);
+        if (request.command == names::setAudioDelay) {
+            const std::string margin = element.child_value();
+            request.marginMs = tools::parseInteger<std::uint64_t>(margin);
+            require(request.marginMs.has_value(),
+                    "margin '" + margin + "' is not a decimal number");
+        }
+    } catch (const tools::Error& e) {
+        return {"", {}, e.what()};
     }
     return request;
-}
-
-std::string commandOf(const std::string& request) {
-    try {
-        return parseRequest(request).command;
-    } catch (const tools::Error&) {
-        return "";
-    }
 }
 
 Answer parseAnswer(const std::string& text) {

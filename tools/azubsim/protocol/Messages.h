@@ -8,8 +8,9 @@
 namespace azubsim {
 
 struct Request {
-    std::string command;                   ///< Its name, also if it is unknown.
+    std::string command;                   ///< Its name, also if it is unknown. Empty if invalid.
     std::optional<std::uint64_t> marginMs; ///< Only in SetAudioDelay.
+    std::string problem;                   ///< Why it is invalid.
 };
 
 /// The engine's verdict on a request.
@@ -36,11 +37,12 @@ struct Answer {
 
 // Messages are parsed and printed without their end marker.
 
-/// Throws a `tools::Error` that says what is wrong.
 Request parseRequest(const std::string& text);
 
 /// The name of the command, or nothing if the request is not valid.
-std::string commandOf(const std::string& request);
+inline std::string commandOf(const std::string& request) {
+    return parseRequest(request).command;
+}
 
 /// Throws a `tools::Error` that says why a client would refuse it.
 Answer parseAnswer(const std::string& text);
