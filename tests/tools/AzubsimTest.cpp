@@ -65,17 +65,19 @@ TEST_F(Azubsim, RefusesBadOptions) {
     expectFailure(AZUBSIM, "engine", 2,
                   "azubsim: --socket is required (see azubsim engine --help)");
     expectFailure(AZUBSIM, "engine b a" + at, 2, "azubsim: unexpected argument 'b'");
-    expectFailure(AZUBSIM, "engine --fault cut --every abc" + at, 2,
-                  "azubsim: --every: 'abc' is not an integer from 1 to 1000000000 (see");
+    expectFailure(
+        AZUBSIM, "engine --fault cut --every abc" + at, 2,
+        "azubsim: invalid command: every abc: N must be a whole number from 1 to 1000000000");
     expectFailure(AZUBSIM, "engine --fault nonsense" + at, 2,
-                  "azubsim: --fault: unknown fault 'nonsense'");
+                  "azubsim: invalid command: fault nonsense: unknown fault 'nonsense'");
     expectFailure(AZUBSIM, "engine --fault delay" + at, 2,
-                  "azubsim: --fault: fault 'delay' needs an argument: MS [SPREAD] (see");
-    expectFailure(AZUBSIM, "engine --fault cut --only Nothing" + at, 2,
-                  "azubsim: --only: 'Nothing' is not one of GetAudioTs, SetAudioDelay, ");
+                  "azubsim: invalid command: fault delay: fault 'delay' needs an argument: MS [SP");
+    expectFailure(
+        AZUBSIM, "engine --only Nothing" + at, 2,
+        "azubsim: invalid command: only Nothing: 'Nothing' is not one of GetAudioTs, SetAudioDe");
     // What would be ignored is refused.
-    for (const char* const ignored : {"engine --every 2", "engine --force", "engine --timed",
-                                      "replay x --fault cut", "tap x --no-call"}) {
+    for (const char* const ignored :
+         {"engine --timed", "replay x --fault cut", "tap x --no-call"}) {
         expectFailure(AZUBSIM, ignored + at, 2, "azubsim: ");
     }
     expectFailure(AZUBSIM, "engine --socket " + longPath, 1,
@@ -83,7 +85,7 @@ TEST_F(Azubsim, RefusesBadOptions) {
     expectFailure(AZUBSIM, "engine --socket " + file + "/x", 1,
                   cannot + file + "/x: Not a directory\n");
     expectFailure(AZUBSIM, "replay " + file + at, 1,
-                  "azubsim: cannot read " + file + ": line 1 is not the header of a recording\n");
+                  "azubsim: cannot read " + file + ": line 1: it is not the header of a recording");
     expectFailure(AZUBSIM, "--help", 1, "azubsim: cannot write to standard output: No space left");
     EXPECT_FALSE(std::filesystem::exists(socket));
 }
@@ -128,7 +130,7 @@ TEST_F(Azubsim, FaultsGiveTheResultsThatAreDocumented) {
     }
     const std::string help = run(AZUBSIM, "engine --help");
     const std::size_t start = help.find("Faults:\n");
-    const std::string faults = help.substr(start, help.find("By default", start) - start);
+    const std::string faults = help.substr(start);
     const std::regex name("\n  ([a-z-]+) ");
     std::set<std::string> listed;
     for (std::sregex_iterator i(faults.begin(), faults.end(), name); i != std::sregex_iterator();

@@ -89,6 +89,6 @@ TEST_F(Control, WhatCannotBeWrittenIsAFailure) {
         EXPECT_EQ(engine.wait(), 1);
     }
     expectFailure(AZUBSIM, "engine --record /dev/full" + at, 1,
-                  "azubsim: cannot record to /dev/full: No space left on device\n");
+                  "azubsim: cannot record to /dev/full: File exists\n");
     EXPECT_FALSE(std::filesystem::exists(socket));
 }

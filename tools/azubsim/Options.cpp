@@ -3,11 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/azubsim/Program.h"
-#include "tools/azubsim/engine/FaultPlan.h"
-#include "tools/azubsim/protocol/Names.h"
 #include "tools/common/CommandLine.h"
-#include "tools/common/Error.h"
-#include "tools/common/Number.h"
 
 namespace azubsim {
 
@@ -32,151 +28,161 @@ constexpr const char* examples =
     "  azubsim trace call.jsonl > call.json\n"
     "  azubsim replay call.jsonl --socket /tmp/engine --timed\n";
 
-// What a constructor or a function accepts; the text of its error is what is wrong.
-template <typename Parse>
-auto accepts(const Parse& parse) {
-    return [parse](const std::string& text) -> std::string {
-        try {
-            parse(text);
-            return "";
-        } catch (const tools::Error& e) {
-            return e.what();
-        }
-    };
-}
+// Declares the options and arguments of one mode.
+class ModeOptions {
+public:
+    ModeOptions(CLI::App& app, Options& options, Mode mode, const char* name,
+                const char* description)
+        : _mode(mode), _options(options), _app(*app.add_subcommand(name, description)) {
+        _app.callback([&options, mode] { options.mode = mode; });
+    }
 
-// An empty path usually comes from a shell variable that is not set.
-std::string checkPath(const std::string& path) {
-    return path.empty() ? "the path is empty" : "";
-}
+    void addPath(const char* name, std::string& path, const char* placeholder,
+                 const char* description, bool isRequired = true) {
+        // An empty path usually comes from a shell variable that is not set.
+        _app.add_option(name, path, description)
+            ->option_text(placeholder)
+            ->required(isRequired)
+            ->check(
+                [](const std::string& text) { return text.empty() ? "the path is empty" : ""; });
+    }
 
-CLI::Option* addPath(CLI::App& app, const std::string& name, std::string& path,
-                     const std::string& placeholder, const std::string& description) {
-    return app.add_option(name, path, description)->option_text(placeholder)->check(checkPath);
-}
+    void addFlag(const char* name, bool& flag, const char* description) {
+        _app.add_flag(name, flag, description);
+    }
 
-CLI::App* addMode(CLI::App& app, Options& options, Mode mode, const std::string& name,
-                  const std::string& description) {
-    CLI::App* const sub = app.add_subcommand(name, description);
-    sub->callback([&options, mode] { options.mode = mode; });
-    return sub;
-}
-
-void addFaults(CLI::App& app, Options& options) {
-    CLI::Option* const fault =
-        app.add_option("--fault", options.faults,
-                       "Apply this fault to answers. If the option is repeated, the faults take "
-                       "turns")
-            ->option_text("FAULT")
+    // The option is carried out as a command at the start. If it is repeated, the others are
+    // carried out as `another`.
+    void addCommand(const std::string& name, const std::string& placeholder,
+                    const std::string& command, const std::string& another,
+                    const std::string& description) {
+        const auto add = [&commands = _options.commands, command,
+                          another](const std::vector<std::string>& values) {
+            for (const std::string& value : values) {
+                commands.push_back((&value == &values.front() ? command : another) + ' ' + value);
+            }
+        };
+        _app.add_option_function<std::vector<std::string>>(name, add, description)
+            ->option_text(placeholder)
             ->expected(1)
-            ->take_all()
-            ->check(accepts([](const std::string& text) { Fault{text}; }));
-    app.add_option("--every", options.every,
-                   "Apply a fault to one answer in N instead of every answer")
-        ->option_text("N")
-        ->check(tools::integerFrom(1, 1000000000))
-        ->needs(fault);
-    app.add_option("--seed", options.seed,
-                   "Choose at random which answers get which fault; the same seed repeats the "
-                   "choices")
-        ->option_text("S")
-        ->check(tools::integerFrom(0, UINT32_MAX))
-        ->needs(fault);
-    app.add_option("--only", options.targets,
-                   "Spoil only the answers to this command, " +
-                       names::joined(names::commands, " or ") +
-                       ", or to this client, for example 'client 3'")
-        ->option_text("TARGET")
-        ->expected(1)
-        ->take_all()
-        ->check(accepts(FaultPlan::checkTarget))
-        ->needs(fault);
-}
+            ->take_all();
+    }
 
-void addSocket(CLI::App& app, Options& options) {
-    addPath(app, "--socket", options.socket, "PATH",
-            "Socket path to listen on (required). A stale socket is replaced; anything else there "
-            "is an error")
-        ->required();
-}
+    void addCommandFlag(const char* name, const char* command, const char* description) {
+        _app.add_flag_callback(
+            name, [&commands = _options.commands, command] { commands.push_back(command); },
+            description);
+    }
 
-// What every mode has that serves clients.
-void addServing(CLI::App& app, Options& options, Mode mode) {
-    addPath(app, "--scenario", options.scenarioFile, "FILE",
-            "Carry out the commands of this file: lines of SECONDS COMMAND, with the time since "
-            "the start. Lines that start with # are comments");
-    app.add_flag("--quiet", options.isQuiet, "Print no line per exchange");
-    const std::string faults = "Faults:\n" + Fault::table() +
-                               "By default a flood has 16 MiB, which the library takes about 3 s "
-                               "to read.\n\n";
-    app.footer((mode == Mode::Replay ? "" : faults) + "Commands of " + app.get_name() +
-               ", on standard input or with azubsim tell:\n" + commandTable(mode));
-}
+    void addSocket() {
+        addPath("--socket", _options.socket, "PATH",
+                "Socket path to listen on (required). A stale socket is\n"
+                "replaced; anything else there is an error");
+    }
 
-void addRecording(CLI::App& app, Options& options) {
-    CLI::Option* const record =
-        addPath(app, "--record", options.recordFile, "FILE",
-                "Write each exchange to this file, to show, trace or replay it");
-    app.add_flag("--force", options.overwrites, "Let --record overwrite a file")
-        ->option_text(" ")
-        ->needs(record);
-}
+    void addFaults() {
+        addCommand("--fault", "FAULT", "fault", "also",
+                   "Apply this fault to answers. If the option is repeated,\n"
+                   "the faults take turns");
+        addCommand("--every", "N", "every", "every", "Apply a fault to one answer in N");
+        addCommand("--seed", "S", "seed", "seed",
+                   "Choose at random which answers get which fault; the same\n"
+                   "seed repeats the choices");
+        addCommand("--only", "TARGET", "only", "only",
+                   "Spoil only the answers to this command, GetAudioTs or\n"
+                   "SetAudioDelay, or to this client, for example 'client 3'");
+    }
+
+    void addRecord() {
+        addPath("--record", _options.recordFile, "FILE",
+                "Write each exchange to this new file, to show, trace or\n"
+                "replay it",
+                false);
+    }
+
+    // What every mode has that serves clients.
+    void addServing() {
+        addPath("--scenario", _options.scenarioFile, "FILE",
+                "Carry out the commands of this file: lines of\n"
+                "SECONDS COMMAND, with the time since the start. Lines\n"
+                "that start with # are comments",
+                false);
+        addCommandFlag("--quiet", "quiet on", "Print no line per exchange");
+        _app.footer([&app = _app, mode = _mode] {
+            Options options;
+            options.mode = mode;
+            return "Commands of " + app.get_name() + ", on standard input or with azubsim tell:\n" +
+                   Program(options).commands().help();
+        });
+    }
+
+    CLI::App& app() { return _app; }
+
+private:
+    const Mode _mode;
+    Options& _options;
+    CLI::App& _app;
+};
 
 void addServers(CLI::App& app, Options& options) {
-    CLI::App* const engine = addMode(app, options, Mode::Engine, "engine",
-                                     "Simulate the audio engine, with plausible timestamps or with "
-                                     "faults");
-    addSocket(*engine, options);
-    addFaults(*engine, options);
-    engine->add_flag("--no-call", options.noCall,
-                     "Start outside a call: every request gets error code 1003");
-    addPath(*engine, "--network", options.networkFile, "FILE",
-            "Follow a recorded network: the latency and the jitter buffer's depth of this CSV "
-            "file, by the time since the first client connected, again and again");
-    addRecording(*engine, options);
-    addServing(*engine, options, Mode::Engine);
+    ModeOptions engine(app, options, Mode::Engine, "engine",
+                       "Simulate the audio engine, with plausible timestamps or with faults");
+    engine.addSocket();
+    engine.addFaults();
+    engine.addCommandFlag("--no-call", "call off",
+                          "Start outside a call: every request gets error code 1003");
+    engine.addPath("--network", options.networkFile, "FILE",
+                   "Follow a recorded network: the latency and the jitter\n"
+                   "buffer's depth of this CSV file, by the time since the\n"
+                   "first client connected, again and again",
+                   false);
+    engine.addRecord();
+    engine.addServing();
 
-    CLI::App* const tap = addMode(app, options, Mode::Tap, "tap",
-                                  "Stand between clients and a real engine: pass everything on, "
-                                  "and print, record or spoil it");
-    addPath(*tap, "ENGINE", options.engine, " ", "The engine's socket path")->required();
-    addSocket(*tap, options);
-    addFaults(*tap, options);
-    addRecording(*tap, options);
-    addServing(*tap, options, Mode::Tap);
+    ModeOptions tap(app, options, Mode::Tap, "tap",
+                    "Stand between clients and a real engine: pass everything\n"
+                    "on, and print, record or spoil it");
+    tap.addPath("ENGINE", options.engine, " ", "The engine's socket path");
+    tap.addSocket();
+    tap.addFaults();
+    tap.addRecord();
+    tap.addServing();
 
-    CLI::App* const replay = addMode(app, options, Mode::Replay, "replay",
-                                     "Give each request the next recorded answer to the same "
-                                     "command; after the last one, close the connection");
-    addPath(*replay, "RECORDING", options.recording, " ", "The file")->required();
-    addSocket(*replay, options);
-    replay->add_flag("--timed", options.rules.isTimed, "Answer after the recorded times");
-    replay->add_flag("--in-order", options.rules.isInOrder,
-                     "Give the answers in their order, whatever is asked");
-    replay->add_flag("--repeat", options.rules.repeats, "Start again after the last answer");
-    addServing(*replay, options, Mode::Replay);
+    ModeOptions replay(app, options, Mode::Replay, "replay",
+                       "Give each request the next recorded answer to the same\n"
+                       "command; after the last one, close the connection");
+    replay.addPath("RECORDING", options.recording, " ", "The file");
+    replay.addSocket();
+    replay.addFlag("--timed", options.rules.isTimed, "Answer after the recorded times");
+    replay.addFlag("--in-order", options.rules.isInOrder,
+                   "Give the answers in their order, whatever is asked");
+    replay.addFlag("--repeat", options.rules.repeats, "Start again after the last answer");
+    replay.addServing();
 }
 
 void addTools(CLI::App& app, Options& options) {
-    CLI::App* const show =
-        addMode(app, options, Mode::Show, "show", "Print a recording: a line per exchange");
-    addPath(*show, "RECORDING", options.recording, " ", "The file; - is standard input")
-        ->required();
-    show->add_flag("-f,--follow", options.follows, "Go on while the file grows");
+    ModeOptions show(app, options, Mode::Show, "show", "Print a recording: a line per exchange");
+    show.addPath("RECORDING", options.recording, " ", "The file; - is standard input");
+    show.addFlag("-f,--follow", options.follows, "Go on while the file grows");
 
-    CLI::App* const trace = addMode(app, options, Mode::Trace, "trace",
-                                    "Print a recording as Trace Event JSON, for ui.perfetto.dev "
-                                    "or chrome://tracing");
-    addPath(*trace, "RECORDING", options.recording, " ", "The file; - is standard input")
-        ->required();
+    ModeOptions trace(app, options, Mode::Trace, "trace",
+                      "Print a recording as Trace Event JSON, for\n"
+                      "ui.perfetto.dev or chrome://tracing");
+    trace.addPath("RECORDING", options.recording, " ", "The file; - is standard input");
 
-    CLI::App* const tell = addMode(app, options, Mode::Tell, "tell",
-                                   "Give a command to the azubsim that listens at a socket, and "
-                                   "print its answer. \"help\" lists the commands");
-    addPath(*tell, "SOCKET", options.socket, " ", "The path after --socket")->required();
-    tell->add_option("COMMAND", options.command, "The command")->option_text(" ")->required();
+    ModeOptions tell(app, options, Mode::Tell, "tell",
+                     "Give a command to the azubsim that listens at a socket,\n"
+                     "and print its answer. \"help\" lists the commands");
+    tell.addPath("SOCKET", options.socket, " ", "The path after --socket");
+    tell.app()
+        .add_option_function<std::vector<std::string>>(
+            "COMMAND",
+            [&options](const auto& words) { options.command = CLI::detail::join(words, " "); },
+            "The command")
+        ->option_text(" ")
+        ->required();
     // The words of a command may begin with a minus sign.
-    tell->positionals_at_end();
+    tell.app().positionals_at_end();
 }
 
 } // namespace
@@ -184,7 +190,7 @@ void addTools(CLI::App& app, Options& options) {
 std::optional<Options> readOptions(int argc, char** argv) {
     Options options;
     CLI::App app(
-        "Simulates the audio engine for programs that use its lip-sync socket, or stands "
+        "Simulates the audio engine for programs that use its lip-sync socket, or stands\n"
         "between them and a real engine.",
         "azubsim");
     app.require_subcommand(1);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <asio/io_context.hpp>
-#include <asio/posix/stream_descriptor.hpp>
+#include <asio/signal_set.hpp>
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <memory>
@@ -21,8 +21,11 @@ namespace azubsim {
 /// What a mode that serves clients consists of, put together as the options say.
 class Program {
 public:
-    /// Checks the files that are read. Throws a `tools::Error`.
+    /// Uses nothing but the mode and the socket's path.
     explicit Program(const Options& options);
+
+    /// The commands of the mode. Those that `options` has are not carried out yet.
+    const Commands& commands() const { return _commands; }
 
     /// Serves until a signal, "quit" or the end of a terminal's input. Throws a `tools::Error` if
     /// it cannot start, or if something that was to be written is lost.
@@ -31,9 +34,11 @@ public:
 private:
     void addCommands();
     std::string status();
-    std::shared_ptr<Session> newSession(Connection::Socket socket, int client);
-    void answer(Exchange& exchange);
+    void prepare();
     void listen();
+    std::shared_ptr<Connection> serve(Socket& socket, int client);
+    void answer(Exchange& exchange);
+    void answerCommand(Exchange& exchange) const;
     void execute(const std::string& line);
     void goDown(std::chrono::milliseconds time);
     void comeBack();
@@ -50,15 +55,11 @@ private:
     std::optional<Tap> _tap;
     Server _server;
     Server _control;
-    asio::posix::stream_descriptor _signals;
+    asio::signal_set _signals;
     asio::steady_timer _downTimer;
     Commands _commands;
     std::optional<Scenario> _scenario;
-    bool _isAway = false; ///< After "down", until it listens again.
     std::string _failure; ///< Why the program has to end.
 };
-
-/// One line for each command of a mode, for its help.
-std::string commandTable(Options::Mode mode);
 
 } // namespace azubsim

@@ -1,31 +1,62 @@
+#include <unistd.h>
+
+#include <chrono>
 #include <cstdlib>
+#include <iostream>
+#include <thread>
 
 #include "tools/azubsim/Options.h"
 #include "tools/azubsim/Program.h"
 #include "tools/azubsim/control/Tell.h"
-#include "tools/azubsim/report/Show.h"
+#include "tools/azubsim/report/Line.h"
+#include "tools/azubsim/report/Recording.h"
+#include "tools/azubsim/report/Trace.h"
+#include "tools/common/Text.h"
 #include "tools/common/Tool.h"
 
 namespace {
 
-using azubsim::Options;
+using namespace azubsim;
 
-std::string joined(const std::vector<std::string>& words) {
-    std::string line;
-    for (const std::string& word : words) {
-        line += (line.empty() ? "" : " ") + word;
+void complainIfCut(const Recording& recording) {
+    if (recording.isCut()) {
+        tools::complain("the last line of the recording is unfinished and is left out");
     }
-    return line;
+}
+
+void show(const std::string& path, bool follows) {
+    Recording recording(path);
+    do {
+        while (const auto exchange = recording.next()) {
+            std::cout << tools::broken(exchangeLine(*exchange),
+                                       tools::terminalColumns(STDOUT_FILENO))
+                      << '\n';
+            tools::checkOutput();
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(follows ? 100 : 0));
+    } while (follows);
+    complainIfCut(recording);
+}
+
+void trace(const std::string& path) {
+    Recording recording(path);
+    Trace trace(std::cout);
+    while (const auto exchange = recording.next()) {
+        trace.add(*exchange);
+        tools::checkOutput();
+    }
+    trace.end();
+    complainIfCut(recording);
 }
 
 void run(const Options& options) {
     switch (options.mode) {
         case Options::Mode::Engine:
         case Options::Mode::Tap:
-        case Options::Mode::Replay: azubsim::Program(options).run(); break;
-        case Options::Mode::Show: azubsim::showRecording(options.recording, options.follows); break;
-        case Options::Mode::Trace: azubsim::traceRecording(options.recording); break;
-        case Options::Mode::Tell: azubsim::tell(options.socket, joined(options.command)); break;
+        case Options::Mode::Replay: Program(options).run(); break;
+        case Options::Mode::Show: show(options.recording, options.follows); break;
+        case Options::Mode::Trace: trace(options.recording); break;
+        case Options::Mode::Tell: tell(options.socket, options.command); break;
     }
 }
 

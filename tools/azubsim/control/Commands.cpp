@@ -1,33 +1,97 @@
 #include "tools/azubsim/control/Commands.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/common/Error.h"
 #include "tools/common/Lines.h"
+#include "tools/common/Number.h"
 #include "tools/common/Text.h"
 
 namespace azubsim {
 
+namespace {
+
 using tools::Error;
+using tools::formatNumber;
+
+double parseNumber(const std::string& text, const std::string& placeholder,
+                   const Commands::Range& range, const std::string& word) {
+    const auto number = tools::parseNumber(text);
+    if (number && *number >= range.smallest && *number <= range.largest &&
+        (!range.isWhole || text.find('.') == std::string::npos)) {
+        return *number;
+    }
+    throw Error(placeholder + " must be a " + (range.isWhole ? "whole number" : "number") +
+                " from " + formatNumber(range.smallest) + " to " + formatNumber(range.largest) +
+                (word.empty() ? "" : " or " + word));
+}
+
+} // namespace
 
 Commands::Commands() {
-    add(Command::plain("help", "list the commands", [this] { return table() + _arguments; }));
-    add(Command::plain("status", "print the settings, the files and what was counted", [this] {
+    addPlain("help", "list the commands", [this] { return help(); });
+    addPlain("status", "print the settings, the files and what was counted", [this] {
         std::string text;
-        for (const Command::Action& lines : _status) {
+        for (const Action& lines : _status) {
             text += lines();
         }
         return text;
-    }));
+    });
 }
 
-Command::Action Commands::parse(const std::string& line) const {
+void Commands::addPlain(const std::string& name, const std::string& effect, Action carryOut) {
+    _commands.push_back({name, "", effect, [carryOut = std::move(carryOut)](const std::string&) {
+                             return carryOut;
+                         }});
+}
+
+void Commands::addText(const std::string& name, const std::string& argument,
+                       const std::string& effect,
+                       const std::function<std::function<void()>(const std::string&)>& parse) {
+    _commands.push_back({name, argument, effect, [=](const std::string& text) -> Action {
+                             return [change = parse(text), answer = name + ' ' + text] {
+                                 change();
+                                 return answer;
+                             };
+                         }});
+}
+
+void Commands::addOnOff(const std::string& name, const std::string& effect,
+                        const std::function<void(bool)>& set) {
+    addText(name, "on|off", effect, [set](const std::string& word) {
+        if (word != "on" && word != "off") {
+            throw Error("must be on or off");
+        }
+        return [=] { set(word == "on"); };
+    });
+}
+
+void Commands::addNumber(const std::string& name, const std::string& argument,
+                         const std::string& effect, const Range& range,
+                         const std::function<void(std::optional<double>)>& set) {
+    const std::size_t bar = std::min(argument.find('|'), argument.size());
+    const std::string placeholder = argument.substr(0, bar);
+    const std::string word = argument.substr(std::min(bar + 1, argument.size()));
+    _commands.push_back({name, argument, effect, [=](const std::string& text) -> Action {
+                             std::optional<double> number;
+                             if (word.empty() || text != word) {
+                                 number = parseNumber(text, placeholder, range, word);
+                             }
+                             return [=] {
+                                 set(number);
+                                 return name + ' ' + text + (number ? range.unit : "");
+                             };
+                         }});
+}
+
+Commands::Action Commands::parse(const std::string& line) const {
     const tools::Words words(line);
+    const std::string invalid =
+        "invalid command: " + words.first + (words.rest.empty() ? "" : ' ' + words.rest);
     const auto command =
         std::find_if(_commands.begin(), _commands.end(),
                      [&](const Command& candidate) { return words.first == candidate.name; });
-    const std::string invalid =
-        "invalid command: " + words.first + (words.rest.empty() ? "" : ' ' + words.rest);
     if (command == _commands.end()) {
         throw Error(invalid);
     }
@@ -42,13 +106,13 @@ Command::Action Commands::parse(const std::string& line) const {
     }
 }
 
-std::string Commands::table() const {
+std::string Commands::help() const {
     std::string table;
     for (const Command& command : _commands) {
         const std::string usage = command.name + ' ' + command.argument;
         table += tools::printed("  %-22s%s\n", usage.c_str(), command.effect.c_str());
     }
-    return table;
+    return table + _arguments;
 }
 
 } // namespace azubsim

@@ -1,42 +1,73 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/azubsim/control/Command.h"
-
 namespace azubsim {
 
-class AudioEngine;
-class FaultPlan;
-
-/// The commands of a mode.
+/// The commands that can be given while the program runs: their words for the help, and how to
+/// carry them out.
 class Commands {
 public:
+    /// Carries a command out and returns the answer: one or more lines.
+    using Action = std::function<std::string()>;
+
+    /// The limits of a number and its unit, which begins with a blank.
+    struct Range {
+        double smallest;
+        double largest;
+        const char* unit = "";
+        bool isWhole = true;
+    };
+
     /// With "help" and "status".
     Commands();
 
     Commands(const Commands&) = delete;
     Commands& operator=(const Commands&) = delete;
 
-    void add(const Command& command) { _commands.push_back(command); }
-    void addEngine(AudioEngine& engine);
-    void addFaults(FaultPlan& faults);
+    /// Takes no argument and answers what `carryOut` returns.
+    void addPlain(const std::string& name, const std::string& effect, Action carryOut);
+
+    /// Takes any text for which `parse` returns an action, and answers the command itself. `parse`
+    /// throws a `tools::Error` if the text is not good, and changes nothing.
+    void addText(const std::string& name, const std::string& argument, const std::string& effect,
+                 const std::function<std::function<void()>(const std::string&)>& parse);
+
+    /// Takes "on" or "off".
+    void addOnOff(const std::string& name, const std::string& effect,
+                  const std::function<void(bool)>& set);
+
+    /// Takes a number. If the placeholder ends with "|WORD", also that word, which sets nothing.
+    void addNumber(const std::string& name, const std::string& argument, const std::string& effect,
+                   const Range& range, const std::function<void(std::optional<double>)>& set);
 
     /// Adds lines to the answer of "status".
-    void addStatus(const Command::Action& lines) { _status.push_back(lines); }
+    void addStatus(const Action& lines) { _status.push_back(lines); }
+
+    /// Adds lines to `help` that say what arguments can be.
+    void addHelp(const std::string& lines) { _arguments += lines; }
 
     /// Checks a line without carrying it out. Throws a `tools::Error`. The action must not outlive
     /// this object.
-    Command::Action parse(const std::string& line) const;
+    Action parse(const std::string& line) const;
 
-    /// One line for each command: its syntax and its effect.
-    std::string table() const;
+    /// One line for each command, with its syntax and its effect, and what arguments can be.
+    std::string help() const;
 
 private:
+    struct Command {
+        std::string name;
+        std::string argument; ///< Its placeholder; empty if it takes none.
+        std::string effect;
+        std::function<Action(const std::string& argument)> parse;
+    };
+
     std::vector<Command> _commands;
-    std::vector<Command::Action> _status;
-    std::string _arguments; ///< What "help" says of them.
+    std::vector<Action> _status;
+    std::string _arguments;
 };
 
 } // namespace azubsim

@@ -1,7 +1,6 @@
 #include <cmath>
 
-#include "tools/azubsim/control/Commands.h"
-#include "tools/azubsim/engine/AudioEngine.h"
+#include "tools/azubsim/control/Settings.h"
 #include "tools/common/Number.h"
 
 namespace azubsim {
@@ -42,28 +41,28 @@ std::string status(const AudioEngine& engine) {
 
 } // namespace
 
-void Commands::addEngine(AudioEngine& engine) {
-    add(Command::onOff("call", "start or end the call; outside it, answer error 1003",
-                       [&](bool isOn) { engine.setInCall(isOn); }));
-    add(Command::number("network", "MS", "set the network's delay; like jitter, ends --network",
-                        {0, largestDelayMs, " ms"},
-                        [&](auto number) { engine.setNetwork(toMs(*number)); }));
-    add(Command::number("jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary",
-                        {0, largestDelayMs, " ms"}, [&](auto number) {
-                            engine.setJitter(number ? std::optional(toMs(*number)) : std::nullopt);
-                        }));
-    add(Command::number("slew", "MS_PER_S", "apply a new margin at this rate; 0, at once",
-                        {0, 10000, " ms/s", false},
-                        [&](auto number) { engine.setSlew(*number, Clock::now()); }));
-    add(Command::number("offset", "MS", "set the far end's clock ahead; below 0, back",
-                        {-largestOffsetMs, largestOffsetMs, " ms"},
-                        [&](auto number) { engine.setOffsetMs(*number, Clock::now()); }));
-    add(Command::number("drift", "PPM", "make the far end's clock run fast; below 0, slow",
-                        {-100000, 100000, " ppm", false},
-                        [&](auto number) { engine.setDriftPpm(*number, Clock::now()); }));
-    add(Command::onOff("freeze", "repeat the same timestamps while the call goes on",
-                       [&](bool isOn) { isOn ? engine.freeze(Clock::now()) : engine.unfreeze(); }));
-    addStatus([&] { return status(engine); });
+void addEngineCommands(Commands& commands, AudioEngine& engine) {
+    commands.addOnOff("call", "start or end the call; outside it, answer error 1003",
+                      [&](bool isOn) { engine.setInCall(isOn); });
+    commands.addNumber("network", "MS", "set the network's delay; like jitter, ends --network",
+                       {0, largestDelayMs, " ms"},
+                       [&](auto number) { engine.setNetwork(toMs(*number)); });
+    commands.addNumber("jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary",
+                       {0, largestDelayMs, " ms"}, [&](auto number) {
+                           engine.setJitter(number ? std::optional(toMs(*number)) : std::nullopt);
+                       });
+    commands.addNumber("slew", "MS_PER_S", "apply a new margin at this rate; 0, at once",
+                       {0, 10000, " ms/s", false},
+                       [&](auto number) { engine.setSlew(*number, Clock::now()); });
+    commands.addNumber("offset", "MS", "set the far end's clock ahead; below 0, back",
+                       {-largestOffsetMs, largestOffsetMs, " ms"},
+                       [&](auto number) { engine.setOffsetMs(*number, Clock::now()); });
+    commands.addNumber("drift", "PPM", "make the far end's clock run fast; below 0, slow",
+                       {-100000, 100000, " ppm", false},
+                       [&](auto number) { engine.setDriftPpm(*number, Clock::now()); });
+    commands.addOnOff("freeze", "repeat the same timestamps while the call goes on",
+                      [&](bool isOn) { isOn ? engine.freeze(Clock::now()) : engine.unfreeze(); });
+    commands.addStatus([&] { return status(engine); });
 }
 
 } // namespace azubsim

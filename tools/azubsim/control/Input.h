@@ -15,27 +15,19 @@ public:
     Input(asio::io_context& io, std::function<void(const std::string&)> handle,
           std::function<void()> leave);
 
-    /// Leaves standard input open.
-    ~Input();
-
-    Input(const Input&) = delete;
-    Input& operator=(const Input&) = delete;
-
     /// Reads until the end. Ignores SIGTTIN, which would stop this process if it read from its
     /// terminal in the background: there it waits until it is in the foreground.
     void start();
 
 private:
-    void wait();
-    void waitForForeground();
     void read();
-    void add(const std::string& bytes);
+    void received(const asio::error_code& error, std::size_t size);
 
-    std::function<void(const std::string&)> _handle;
-    std::function<void()> _leave;
+    const std::function<void(const std::string&)> _handle;
+    const std::function<void()> _leave;
     asio::posix::stream_descriptor _input;
     asio::steady_timer _timer;
-    std::string _line; ///< The start of a line.
+    std::string _text; ///< That has been read, but not handled.
 };
 
 } // namespace azubsim

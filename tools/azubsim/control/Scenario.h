@@ -30,7 +30,7 @@ private:
     struct Step {
         double seconds;
         std::string text;
-        Command::Action action;
+        Commands::Action action;
     };
 
     void add(const std::string& line, const Commands& commands);

@@ -1,109 +1,72 @@
 #include "tools/azubsim/net/Connection.h"
 
-#include <algorithm>
-#include <array>
 #include <asio/buffer.hpp>
 #include <asio/error.hpp>
-#include <asio/post.hpp>
 #include <utility>
 
 namespace azubsim {
 
-namespace {
-
-// Most bytes written to one connection before the others are served.
-constexpr std::size_t maxBytesInARow = 262144;
-
-bool mustWait(const asio::error_code& error) {
-    return error == asio::error::would_block || error == asio::error::interrupted;
-}
-
-} // namespace
-
-Connection::Connection(Socket socket) : _socket(std::move(socket)), _timer(_socket.get_executor()) {
-    asio::error_code ignored;
-    _socket.non_blocking(true, ignored);
-}
+Connection::Connection(Socket socket)
+    : _socket(std::move(socket)), _timer(_socket.get_executor()), _chunk() {}
 
 void Connection::start(Handlers handlers) {
     _handlers = std::make_shared<const Handlers>(std::move(handlers));
     waitForHangUp();
-    startReading();
-}
-
-void Connection::pause() {
-    _isPaused = true;
-    asio::post(_socket.get_executor(), [self = shared_from_this()] { self->reportIfLeft(); });
+    read();
 }
 
 void Connection::resume() {
     _isPaused = false;
-    startReading();
+    read();
 }
 
-void Connection::startReading() {
+void Connection::read() {
     if (_isReading || _isPaused || _hasEnded || !isOpen()) {
         return;
     }
     _isReading = true;
-    _socket.async_wait(Socket::wait_read,
-                       [self = shared_from_this()](const asio::error_code& error) {
-                           self->_isReading = false;
-                           if (!error && !self->_isPaused && self->isOpen()) {
-                               self->receive();
-                           }
-                       });
+    _socket.async_receive(
+        asio::buffer(_chunk),
+        [self = shared_from_this()](const asio::error_code& error, std::size_t size) {
+            self->_isReading = false;
+            if (self->isOpen()) {
+                self->received(error, size);
+            }
+        });
 }
 
-void Connection::receive() {
+void Connection::received(const asio::error_code& error, std::size_t size) {
     // A handler may call `close`.
     const auto handlers = _handlers;
-    // Sockets are read one after the other, so they share the memory.
-    static std::array<char, 65536> chunk;
-    asio::error_code error;
-    const std::size_t size = _socket.receive(asio::buffer(chunk), 0, error);
-    if (!error) {
-        handlers->received({chunk.data(), size});
-    } else if (!mustWait(error)) {
+    if (error) {
         _hasEnded = true;
-        _isGone = _isGone || error != asio::error::eof;
-        handlers->ended(_isGone);
+        handlers->ended();
+        return;
     }
-    startReading();
+    handlers->received({_chunk.data(), size});
+    read();
 }
 
 // The end that a read finds comes after everything that the far end had sent. This one comes at
-// once.
+// once, also while reading is paused.
 void Connection::waitForHangUp() {
     _socket.async_wait(Socket::wait_error,
                        [self = shared_from_this()](const asio::error_code& error) {
                            const auto handlers = self->_handlers;
-                           if (error || !handlers) {
-                               return;
-                           }
-                           self->_isGone = true;
-                           if (self->_hasEnded) {
-                               handlers->ended(true);
-                           } else {
-                               self->reportIfLeft();
+                           if (!error && handlers) {
+                               // What is not due yet fails now.
+                               self->_timer.cancel();
+                               handlers->left();
                            }
                        });
 }
 
-void Connection::reportIfLeft() {
-    const auto handlers = _handlers;
-    if (_isPaused && _isGone && !_hasEnded && handlers && handlers->left) {
-        handlers->left();
-    }
-}
-
 void Connection::send(Reply::Piece piece) {
-    if (!isOpen() || _endsSending) {
-        return;
+    if (isOpen() && !_endsSending) {
+        _unsent += piece.bytes.size();
+        _pieces.push_back(std::move(piece));
+        write();
     }
-    _unsent += piece.bytes.size();
-    _pieces.push_back(std::move(piece));
-    write();
 }
 
 void Connection::endSending() {
@@ -120,7 +83,9 @@ void Connection::close() {
     asio::error_code ignored;
     _timer.cancel(ignored);
     _socket.close(ignored);
-    _handlers.reset();
+    if (const auto handlers = std::exchange(_handlers, nullptr)) {
+        handlers->closed();
+    }
 }
 
 // Waits until the first piece is due.
@@ -129,45 +94,47 @@ void Connection::write() {
         return;
     }
     if (_pieces.empty()) {
-        finishSending();
+        asio::error_code ignored;
+        if (_isClosing) {
+            close();
+        } else if (_endsSending) {
+            _socket.shutdown(Socket::shutdown_send, ignored);
+        }
         return;
     }
     _isWriting = true;
-    const auto wait = std::exchange(_pieces.front().wait, std::chrono::microseconds(0));
-    if (wait.count() == 0) {
+    const auto wait = std::exchange(_pieces.front().wait, noWait);
+    if (wait == noWait) {
         writeFirstPiece();
         return;
     }
     _timer.expires_after(wait);
-    _timer.async_wait([self = shared_from_this()](const asio::error_code&) {
-        if (self->_socket.is_open()) {
-            self->writeFirstPiece();
-        }
-    });
+    _timer.async_wait(
+        [self = shared_from_this()](const asio::error_code&) { self->writeFirstPiece(); });
 }
 
 void Connection::writeFirstPiece() {
-    const std::string& bytes = _pieces.front().bytes;
-    const std::size_t size = std::min(bytes.size() - _written, maxBytesInARow);
     _socket.async_send(
-        asio::buffer(bytes.data() + _written, size),
-        [self = shared_from_this()](const asio::error_code& error, std::size_t count) {
+        asio::buffer(_pieces.front().bytes) + _written,
+        [self = shared_from_this()](const asio::error_code& error, std::size_t size) {
             if (self->_socket.is_open()) {
-                self->written(error, count);
+                self->written(error, size);
             }
         });
 }
 
 void Connection::written(const asio::error_code& error, std::size_t size) {
-    _isWriting = false;
     const auto handlers = _handlers;
-    if (error) {
-        dropUnsent();
-        return;
-    }
+    _isWriting = false;
     _written += size;
     _unsent -= size;
-    if (_written == _pieces.front().bytes.size()) {
+    if (error) {
+        // The far end takes no more bytes, but what it has sent may not be read yet.
+        _endsSending = true;
+        _pieces.clear();
+        _written = 0;
+        _unsent = 0;
+    } else if (_written == _pieces.front().bytes.size()) {
         _pieces.pop_front();
         _written = 0;
     }
@@ -175,30 +142,6 @@ void Connection::written(const asio::error_code& error, std::size_t size) {
         handlers->drained();
     }
     write();
-}
-
-// The far end takes no more bytes, but what it has sent may not be read yet. Reading finds the end.
-void Connection::dropUnsent() {
-    const auto handlers = _handlers;
-    _pieces.clear();
-    _written = 0;
-    _unsent = 0;
-    _endsSending = true;
-    if (_isClosing) {
-        handlers->ended(true);
-        return;
-    }
-    handlers->drained();
-    startReading();
-}
-
-void Connection::finishSending() {
-    asio::error_code ignored;
-    if (_isClosing) {
-        close();
-    } else if (_endsSending) {
-        _socket.shutdown(Socket::shutdown_send, ignored);
-    }
 }
 
 } // namespace azubsim

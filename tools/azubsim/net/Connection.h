@@ -1,7 +1,6 @@
 #pragma once
 
-#include <asio/io_context.hpp>
-#include <asio/local/stream_protocol.hpp>
+#include <array>
 #include <asio/steady_timer.hpp>
 #include <cstddef>
 #include <deque>
@@ -9,6 +8,7 @@
 #include <memory>
 #include <string_view>
 
+#include "tools/azubsim/net/Address.h"
 #include "tools/azubsim/protocol/Exchange.h"
 
 namespace azubsim {
@@ -16,27 +16,25 @@ namespace azubsim {
 /// A connected socket that reads and writes in the background.
 class Connection : public std::enable_shared_from_this<Connection> {
 public:
-    using Socket = asio::local::stream_protocol::socket;
-
+    /// What to do when something happens. Called from the event loop, except for `closed`.
     struct Handlers {
         std::function<void(std::string_view)> received;
-        /// The far end sends no more; if `isGone`, it does not read any more either. May be called
-        /// a second time with `isGone`, when the far end closes its socket later.
-        std::function<void(bool isGone)> ended;
-        /// The far end has closed its socket, but reading is paused, so that more bytes may be
-        /// there. May be empty.
-        std::function<void()> left;
-        std::function<void()> drained; ///< Everything was written, or cannot be written any more.
+        /// The far end sends no more, but may still read.
+        std::function<void()> ended;
+        /// Everything was written, or cannot be written any more.
+        std::function<void()> drained;
+        /// The far end has closed its socket. What it sent may not be read yet.
+        std::function<void()> left = [] {};
+        /// This connection is closed, also by `close` itself. The last call.
+        std::function<void()> closed = [] {};
     };
 
     explicit Connection(Socket socket);
 
-    /// Starts reading, unless it is paused. The handlers are called from the event loop, never from
-    /// the functions of this class, and are destroyed by `close`.
     void start(Handlers handlers);
 
     /// Stops reading until `resume`, so that the far end has to wait.
-    void pause();
+    void pause() { _isPaused = true; }
     void resume();
 
     /// Writes the piece after all earlier ones. Its wait starts when they are written.
@@ -58,26 +56,23 @@ public:
     bool isOpen() const { return _socket.is_open() && !_isClosing; }
 
 private:
-    void startReading();
-    void receive();
+    void read();
+    void received(const asio::error_code& error, std::size_t size);
     void waitForHangUp();
-    void reportIfLeft();
     void write();
     void writeFirstPiece();
     void written(const asio::error_code& error, std::size_t size);
-    void dropUnsent();
-    void finishSending();
 
     Socket _socket;
     asio::steady_timer _timer;
-    std::shared_ptr<const Handlers> _handlers;
+    std::shared_ptr<const Handlers> _handlers; ///< Null when closed.
+    std::array<char, 16384> _chunk;
     std::deque<Reply::Piece> _pieces;
     std::size_t _written = 0; ///< Bytes of the first piece.
     std::size_t _unsent = 0;
     bool _isReading = false;
     bool _isPaused = false;
     bool _hasEnded = false; ///< The far end sends no more.
-    bool _isGone = false;   ///< The far end has closed its socket.
     bool _isWriting = false;
     bool _endsSending = false;
     bool _isClosing = false;

@@ -1,69 +1,139 @@
 #include "tools/azubsim/net/Server.h"
 
+#include <unistd.h>
+
 #include <utility>
+
+#include "tools/common/Error.h"
 
 namespace azubsim {
 
 namespace {
 
-// Pause after a failed accept, for example when the process is out of descriptors.
-constexpr std::chrono::milliseconds acceptPause{100};
+using tools::Error;
+
+// Before the next attempt to serve a client that has to wait, or to accept one, which fails for
+// example when the process is out of descriptors.
+constexpr std::chrono::milliseconds pauseTime{10};
 
 } // namespace
 
-Server::Server(asio::io_context& io, std::string path, SessionFactory newSession)
-    : _file(io), _pause(io), _path(std::move(path)), _newSession(std::move(newSession)) {}
+Server::Server(asio::io_context& io, std::string path, Serve serve)
+    : _path(std::move(path)), _serve(std::move(serve)), _acceptor(io), _client(io), _pause(io) {}
 
 void Server::listen(bool isPrivate) {
-    _file.listen(_path, isPrivate);
+    const std::string cannot = "cannot listen at " + _path + ": ";
+    try {
+        open(isPrivate);
+    } catch (const Error& e) {
+        throw Error(cannot + e.what());
+    } catch (const asio::system_error& e) {
+        close();
+        throw Error(cannot + e.code().message());
+    }
     accept();
 }
 
+void Server::open(bool isPrivate) {
+    const Address address = toAddress(_path);
+    removeStaleSocket();
+    _acceptor.open(address.protocol());
+    _acceptor.bind(address);
+    // From here on, the file is this program's and must be removed.
+    lstat(_path.c_str(), &_file);
+    if (isPrivate) {
+        chmod(_path.c_str(), S_IRUSR | S_IWUSR);
+    }
+    _acceptor.listen();
+}
+
+// Throws if anything else is there.
+void Server::removeStaleSocket() {
+    struct stat status {};
+    if (lstat(_path.c_str(), &status) != 0) {
+        return;
+    }
+    if (!S_ISSOCK(status.st_mode)) {
+        throw Error("it exists and is not a socket");
+    }
+    Socket socket(_acceptor.get_executor());
+    const asio::error_code error = connectAtOnce(socket, toAddress(_path));
+    if (!error || error == asio::error::try_again) {
+        throw Error("an engine is already listening there");
+    }
+    if (error != asio::error::connection_refused) {
+        throw Error(error.message());
+    }
+    unlink(_path.c_str());
+}
+
 void Server::close() {
-    _file.close();
-    _pause.cancel();
-    for (const std::weak_ptr<Session>& weak : std::exchange(_sessions, {})) {
-        if (const auto session = weak.lock()) {
-            session->close();
+    asio::error_code ignored;
+    _acceptor.close(ignored);
+    _client.close(ignored);
+    _pause.cancel(ignored);
+    // Keep a file that another process has put in its place.
+    if (isAt(_path)) {
+        unlink(_path.c_str());
+    }
+    _file = {};
+    for (const auto& weak : std::exchange(_connections, {})) {
+        if (const auto connection = weak.lock()) {
+            connection->close();
         }
     }
 }
 
-std::size_t Server::clients() {
-    removeEndedSessions();
-    return _sessions.size();
+bool Server::isAt(const std::string& path) const {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && status.st_dev == _file.st_dev &&
+           status.st_ino == _file.st_ino;
+}
+
+std::size_t Server::connected() {
+    _connections.remove_if([](const auto& weak) { return weak.expired(); });
+    return _connections.size();
 }
 
 void Server::accept() {
-    _file.acceptor().async_accept([this](const asio::error_code& error, Connection::Socket socket) {
-        accepted(error, std::move(socket));
+    _acceptor.async_accept(_client, [this](const asio::error_code& error) {
+        if (!_acceptor.is_open() || error == asio::error::operation_aborted) {
+            // A client that was accepted just before `close`.
+            asio::error_code ignored;
+            _client.close(ignored);
+        } else if (error) {
+            tryAgain();
+        } else {
+            ++_accepted;
+            serve();
+        }
     });
 }
 
-void Server::accepted(const asio::error_code& error, Connection::Socket socket) {
-    // The socket of a client that was accepted just before `close` is closed here.
-    if (!_file.acceptor().is_open() || error == asio::error::operation_aborted) {
-        return;
+void Server::serve() {
+    if (const auto connection = _serve(_client, _accepted)) {
+        connected();
+        _connections.push_back(connection);
     }
-    if (error) {
-        _pause.expires_after(acceptPause);
-        _pause.async_wait([this](const asio::error_code& cancelled) {
-            if (!cancelled) {
-                accept();
-            }
-        });
-        return;
+    if (_client.is_open()) {
+        tryAgain();
+    } else {
+        accept();
     }
-    removeEndedSessions();
-    if (const auto session = _newSession(std::move(socket), ++_lastClient)) {
-        _sessions.push_back(session);
-        session->start();
-    }
-    accept();
 }
 
-void Server::removeEndedSessions() {
-    _sessions.remove_if([](const std::weak_ptr<Session>& session) { return session.expired(); });
+void Server::tryAgain() {
+    _pause.expires_after(pauseTime);
+    _pause.async_wait([this](const asio::error_code& cancelled) {
+        if (cancelled) {
+            return;
+        }
+        if (_client.is_open()) {
+            serve();
+        } else {
+            accept();
+        }
+    });
 }
 
 } // namespace azubsim

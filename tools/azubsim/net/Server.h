@@ -1,45 +1,63 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
-#include <chrono>
+#include <functional>
 #include <list>
 #include <memory>
 #include <string>
 
-#include "tools/azubsim/net/Session.h"
-#include "tools/azubsim/net/SocketFile.h"
+#include "tools/azubsim/net/Connection.h"
 
 namespace azubsim {
 
-/// Accepts clients and gives each one a session.
+/// Listens at a Unix-domain socket and accepts clients.
 class Server {
 public:
-    Server(asio::io_context& io, std::string path, SessionFactory newSession);
+    /// Takes over or closes the socket of a client with this number, and returns its connection if
+    /// there is one. If it leaves the socket open, it is called again a little later, and all
+    /// further clients wait until then.
+    using Serve = std::function<std::shared_ptr<Connection>(Socket& socket, int client)>;
 
-    /// Accepts clients of everybody whom the umask allows, or only of this user. Throws a
-    /// `tools::Error` if it cannot listen at the path.
+    Server(asio::io_context& io, std::string path, Serve serve);
+    ~Server() { close(); }
+
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
+    /// Accepts clients of everybody whom the umask allows, or only of this user. A stale socket at
+    /// the path is replaced; anything else there is an error. Throws a `tools::Error`.
     void listen(bool isPrivate = false);
 
-    /// Closes all sessions, and removes the socket.
+    bool isListening() const { return _acceptor.is_open(); }
+
+    /// Closes all connections, and removes the socket.
     void close();
 
-    /// The clients that are connected.
-    std::size_t clients();
+    /// Whether a path leads to this socket, also through a link or by another spelling.
+    bool isAt(const std::string& path) const;
 
-    const SocketFile& file() const { return _file; }
+    /// The clients that have been accepted, and those that are connected.
+    int accepted() const { return _accepted; }
+    std::size_t connected();
 
 private:
+    void open(bool isPrivate);
+    void removeStaleSocket();
     void accept();
-    void accepted(const asio::error_code& error, Connection::Socket socket);
-    void removeEndedSessions();
+    void serve();
+    void tryAgain();
 
-    SocketFile _file;
+    const std::string _path;
+    const Serve _serve;
+    asio::local::stream_protocol::acceptor _acceptor;
+    Socket _client; ///< That is not served yet.
     asio::steady_timer _pause;
-    std::string _path;
-    SessionFactory _newSession;
-    std::list<std::weak_ptr<Session>> _sessions;
-    int _lastClient = 0;
+    std::list<std::weak_ptr<Connection>> _connections;
+    int _accepted = 0;
+    struct stat _file {}; ///< All zero when it does not listen.
 };
 
 } // namespace azubsim

@@ -1,19 +1,12 @@
 #pragma once
 
 #include <asio/io_context.hpp>
-#include <asio/steady_timer.hpp>
-#include <deque>
 #include <memory>
 #include <string>
 
-#include "tools/azubsim/engine/FaultPlan.h"
-#include "tools/azubsim/net/Session.h"
-#include "tools/azubsim/net/SocketFile.h"
-#include "tools/azubsim/report/Reports.h"
+#include "tools/azubsim/net/TapSession.h"
 
 namespace azubsim {
-
-class TapSession;
 
 /// Stands between clients and an engine: each client gets a connection of its own to the engine.
 ///
@@ -24,31 +17,22 @@ public:
     /// Throws a `tools::Error` if the engine's path cannot be an address.
     Tap(asio::io_context& io, std::string path, FaultPlan& faults, Reports& reports);
 
-    /// Null if the client is a tap that gets its clients from this one.
-    std::shared_ptr<Session> newSession(Connection::Socket socket, int client);
+    /// Connects a client to the engine. If that is not possible, closes its socket. Leaves it open
+    /// as long as the engine's queue is full.
+    std::shared_ptr<Connection> serve(Socket& socket, int client);
 
 private:
-    friend class TapSession;
-
-    /// Connects the session to the engine, as soon as the engine's queue has room.
-    void connect(const std::shared_ptr<TapSession>& session);
-    void connectWaiting();
-
     /// Tells the user if connecting has started to fail or to succeed, or fails for another reason.
     void reportConnectState(const asio::error_code& error);
+    void reportRing();
 
     asio::io_context& _io;
-    std::string _path;
-    Address _address;
-    FaultPlan& _faults;
-    Reports& _reports;
-    std::string _name; ///< Differs from that of every other tap.
-    unsigned long _connections = 0;
+    const std::string _path;
+    const Address _address;
+    TapSession::Shared _shared;
+    const std::string _name; ///< Differs from that of every other tap.
     bool _hasCutRing = false;
-    std::deque<std::weak_ptr<TapSession>> _waiting;
-    asio::steady_timer _retry;
     asio::error_code _lastError;
-    std::size_t _kept = 0; ///< Bytes that the sessions keep of unfinished exchanges.
 };
 
 } // namespace azubsim

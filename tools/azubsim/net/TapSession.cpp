@@ -1,6 +1,9 @@
 #include "tools/azubsim/net/TapSession.h"
 
+#include <cstring>
 #include <utility>
+
+#include "tools/azubsim/protocol/Messages.h"
 
 namespace azubsim {
 
@@ -9,101 +12,196 @@ namespace {
 // How long an engine may take to read what a client sent before it left.
 constexpr std::chrono::seconds timeForRest{2};
 
-} // namespace
+// Nothing more is read from one side while the other has not taken this many bytes.
+constexpr std::size_t maxUnsent = 262144;
 
-TapSession::TapSession(Connection::Socket socket, int client, std::string name, Tap& tap)
-    : _tap(tap),
-      _clientNumber(client),
-      _name(std::move(name)),
-      _client(std::make_shared<Connection>(std::move(socket))),
-      _limit(tap._io) {}
+// Bytes that all clients together may make the tap keep. Beyond that, requests are reported as
+// unanswered, and answers are passed on but not kept.
+constexpr std::size_t maxKept = 16777216;
 
-TapSession::~TapSession() {
-    for (const Pending& pending : _pending) {
-        _tap._kept -= pending.kept;
-    }
+std::chrono::microseconds since(std::chrono::steady_clock::time_point start,
+                                std::chrono::steady_clock::time_point end) {
+    return std::chrono::duration_cast<std::chrono::microseconds>(end - start);
 }
 
-void TapSession::start() {
+} // namespace
+
+TapSession::TapSession(Socket client, Socket engine, int number, Shared& shared)
+    : _shared(shared),
+      _number(number),
+      _limit(client.get_executor()),
+      _client(std::make_shared<Connection>(std::move(client))),
+      _engine(std::make_shared<Connection>(std::move(engine))) {}
+
+std::shared_ptr<Connection> TapSession::start() {
     const auto self = shared_from_this();
     Connection::Handlers client;
     client.received = [self](std::string_view bytes) { self->requested(bytes); };
-    client.ended = [self](bool isGone) { self->clientEnded(isGone); };
-    client.left = [self] { self->limit(); };
-    client.drained = [self] {
-        if (self->_engine) {
-            self->_engine->resume();
-        }
+    client.ended = [self] {
+        // It may still read answers.
+        self->_engine->endSending();
+        self->clientLeft();
     };
-    // There is nobody yet to whom bytes could be passed.
-    _client->pause();
+    client.left = [self] { self->clientLeft(); };
+    client.drained = [self] { self->_engine->resume(); };
+    client.closed = [self] {
+        self->reportRest();
+        self->_limit.cancel();
+        self->_engine->close();
+    };
     _client->start(std::move(client));
-    _tap.connect(self);
-}
-
-void TapSession::passBytes(Connection::Socket toEngine) {
-    const auto self = shared_from_this();
-    _engine = std::make_shared<Connection>(std::move(toEngine));
     Connection::Handlers engine;
     engine.received = [self](std::string_view bytes) { self->answered(bytes); };
-    engine.ended = [self](bool isGone) { self->engineEnded(isGone); };
+    engine.ended = [self] { self->engineEnded(); };
     engine.drained = [self] { self->_client->resume(); };
     _engine->start(std::move(engine));
-    _client->resume();
+    return _client;
 }
 
-void TapSession::close() {
-    reportRest(true);
-    _limit.cancel();
-    _client->close();
-    if (_engine) {
-        _engine->close();
-    }
-}
-
-void TapSession::clientEnded(bool isGone) {
-    if (!_engine) {
-        close();
-    } else if (isGone) {
-        reportRest(false);
-        _client->close();
-        _engine->closeWhenSent();
-        limit();
-    } else {
-        // It may still read answers.
-        _engine->endSending();
-    }
-}
-
-// The client has left: the engine must not keep this session for ever.
-void TapSession::limit() {
-    if (!_engine) {
-        close();
-        return;
-    }
+// The engine must not keep this session for ever.
+void TapSession::clientLeft() {
+    _hasClientLeft = true;
     _limit.expires_after(timeForRest);
-    // Until the engine's connection is closed, its handlers keep this session.
-    _limit.async_wait([weak = weak_from_this()](const asio::error_code& cancelled) {
-        const auto self = weak.lock();
-        if (self && !cancelled) {
-            self->close();
+    _limit.async_wait([self = shared_from_this()](const asio::error_code& cancelled) {
+        if (!cancelled) {
+            self->_client->close();
         }
     });
 }
 
-void TapSession::engineEnded(bool isGone) {
+void TapSession::engineEnded() {
     if (!_pending.empty()) {
         giveUpFault(_pending.front(), "no complete answer");
     }
-    if (!isGone) {
-        // It may still read requests.
-        _client->endSending();
+    _engine->close();
+    _client->closeWhenSent();
+}
+
+void TapSession::requested(std::string_view bytes) {
+    _arrival = Clock::now();
+    _engine->send({noWait, std::string(bytes)});
+    while (!bytes.empty()) {
+        if (const auto request = _requests.next(bytes)) {
+            addPending(*request);
+            Pending& pending = _pending.back();
+            pending.fault = _shared.faults.next(_number, commandOf(*request));
+            pending.exchange.fault = pending.fault ? pending.fault->text() : "";
+        }
+        while (_shared.kept > maxKept && !_pending.empty()) {
+            giveUpFault(_pending.front(), "no answer");
+            reportFirst();
+        }
+    }
+    if (_engine->unsent() > maxUnsent) {
+        _client->pause();
+    }
+}
+
+void TapSession::addPending(const std::string& request) {
+    Pending pending;
+    pending.exchange.client = _number;
+    pending.exchange.time = tools::now();
+    pending.exchange.request = request;
+    pending.asked = _arrival;
+    pending.lastPiece = _arrival;
+    pending.kept = request.size() + sizeof(Pending);
+    _shared.kept += pending.kept;
+    _pending.push_back(std::move(pending));
+}
+
+void TapSession::answered(std::string_view bytes) {
+    _arrival = Clock::now();
+    while (!bytes.empty() && _client->isOpen()) {
+        if (_pending.empty()) {
+            addPending("");
+        }
+        const Framer::Part part = _answers.next(bytes);
+        addAnswer(part.bytes, part.isEnd);
+    }
+    if (_client->unsent() > maxUnsent) {
+        _engine->pause();
+    }
+}
+
+void TapSession::addAnswer(std::string_view bytes, bool isComplete) {
+    Pending& pending = _pending.front();
+    if (keep(pending, bytes.size() + sizeof(Reply::Piece))) {
+        const auto wait = since(std::exchange(pending.lastPiece, _arrival), _arrival);
+        pending.exchange.reply.pieces.push_back({wait, std::string(bytes)});
+    } else {
+        pending.exchange.leftOut += bytes.size();
+        giveUpFault(pending, "the answer is too long");
+    }
+    if (!pending.fault) {
+        _client->send({noWait, std::string(bytes)});
+    }
+    if (!isComplete) {
         return;
     }
-    reportRest(true);
-    _limit.cancel();
-    _client->closeWhenSent();
-    _engine->close();
+    pending.exchange.engineTook = since(pending.asked, _arrival);
+    if (pending.fault) {
+        spoil(pending);
+    }
+    const bool closes = pending.exchange.reply.closes;
+    reportFirst();
+    if (closes) {
+        _engine->close();
+        _client->closeWhenSent();
+    }
+}
+
+bool TapSession::keep(Pending& pending, std::size_t size) {
+    // What is kept must not have gaps.
+    if (pending.exchange.leftOut > 0 || _shared.kept + size > maxKept) {
+        return false;
+    }
+    pending.kept += size;
+    _shared.kept += size;
+    return true;
+}
+
+void TapSession::spoil(Pending& pending) {
+    Exchange& exchange = pending.exchange;
+    exchange.said = exchange.reply.bytes();
+    const std::string answer =
+        exchange.said.substr(0, exchange.said.size() - std::strlen(endMarker));
+    exchange.reply = _shared.faults.apply(*pending.fault, answer);
+    for (const Reply::Piece& piece : exchange.reply.pieces) {
+        _client->send(piece);
+    }
+    if (!exchange.reply.pieces.empty()) {
+        exchange.reply.pieces.front().wait += exchange.engineTook;
+    }
+}
+
+// Passes on what was collected, because there is no complete answer to spoil.
+void TapSession::giveUpFault(Pending& pending, const char* reason) {
+    if (!pending.fault) {
+        return;
+    }
+    pending.fault.reset();
+    pending.exchange.fault += std::string(" (not applied: ") + reason + ')';
+    for (const Reply::Piece& piece : pending.exchange.reply.pieces) {
+        _client->send({noWait, piece.bytes});
+    }
+}
+
+void TapSession::reportFirst() {
+    _shared.reports.add(_pending.front().exchange);
+    _shared.kept -= _pending.front().kept;
+    _pending.pop_front();
+}
+
+// Reports what the end of the connection has interrupted.
+void TapSession::reportRest() {
+    if (!_requests.rest().empty()) {
+        addPending(_requests.rest());
+        _pending.back().exchange.isComplete = false;
+    }
+    while (!_pending.empty()) {
+        _pending.front().exchange.reply.closes = !_hasClientLeft;
+        reportFirst();
+    }
 }
 
 } // namespace azubsim

@@ -8,27 +8,29 @@
 #include <string>
 #include <string_view>
 
-#include "tools/azubsim/net/Tap.h"
+#include "tools/azubsim/engine/FaultPlan.h"
+#include "tools/azubsim/net/Connection.h"
 #include "tools/azubsim/protocol/Exchange.h"
 #include "tools/azubsim/protocol/Framer.h"
+#include "tools/azubsim/report/Reports.h"
 
 namespace azubsim {
 
 /// A client of a tap and its connection to the engine. Bytes pass as they come, except those of an
 /// answer that gets a fault: they are collected first.
-class TapSession : public Session, public std::enable_shared_from_this<TapSession> {
+class TapSession : public std::enable_shared_from_this<TapSession> {
 public:
-    /// `name` is the address of this side of the connection to the engine.
-    TapSession(Connection::Socket socket, int client, std::string name, Tap& tap);
-    ~TapSession() override;
+    /// What all sessions of a tap share.
+    struct Shared {
+        FaultPlan& faults;
+        Reports& reports;
+        std::size_t kept = 0; ///< Bytes that they keep of exchanges.
+    };
 
-    void start() override;
-    void close() override;
+    TapSession(Socket client, Socket engine, int number, Shared& shared);
 
-    /// The client has no connection to the engine yet, and has not left.
-    bool isWaiting() const { return !_engine && _client->isOpen(); }
-    void passBytes(Connection::Socket toEngine);
-    const std::string& name() const { return _name; }
+    /// Passes bytes until one side ends. Returns the client's connection.
+    std::shared_ptr<Connection> start();
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -43,28 +45,25 @@ private:
     };
 
     void requested(std::string_view bytes);
-    void addRequest();
+    void addPending(const std::string& request);
     void answered(std::string_view bytes);
     void addAnswer(std::string_view bytes, bool isComplete);
     bool keep(Pending& pending, std::size_t size);
     void spoil(Pending& pending);
     void giveUpFault(Pending& pending, const char* reason);
-    void clientEnded(bool isGone);
-    void limit();
-    void engineEnded(bool isGone);
-    void addPending(const std::string& request);
+    void clientLeft();
+    void engineEnded();
     void reportFirst();
-    void reportRest(bool closes);
+    void reportRest();
 
-    Tap& _tap;
-    int _clientNumber;
-    std::string _name;
-    std::shared_ptr<Connection> _client;
-    std::shared_ptr<Connection> _engine; ///< Null until it is connected.
-    asio::steady_timer _limit;           ///< Of the time that the engine gets to read the rest.
-    Framer _requests;
+    Shared& _shared;
+    const int _number;         ///< Of the client.
+    asio::steady_timer _limit; ///< Of the time that the engine gets after the client has left.
+    const std::shared_ptr<Connection> _client;
+    const std::shared_ptr<Connection> _engine;
+    bool _hasClientLeft = false;
+    RequestReader _requests;
     Framer _answers;
-    std::string _request; ///< As much of it as has arrived.
     std::deque<Pending> _pending;
     Clock::time_point _arrival; ///< When the bytes arrived that are being handled.
 };

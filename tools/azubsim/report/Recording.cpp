@@ -1,10 +1,8 @@
 #include "tools/azubsim/report/Recording.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "tools/azubsim/report/Format.h"
 #include "tools/common/Error.h"
@@ -13,60 +11,59 @@ namespace azubsim {
 
 using tools::Error;
 
+Recorder::Recorder(const std::string& path)
+    : _path(path), _file(std::fopen(path.c_str(), "wxe"), std::fclose) {
+    write(format::header());
+}
+
+void Recorder::add(const Exchange& exchange) {
+    if (_file) {
+        write(format::write(exchange));
+    }
+}
+
+void Recorder::write(const std::string& line) {
+    if (!_file || std::fputs(line.c_str(), _file.get()) < 0 || std::fflush(_file.get()) != 0) {
+        const std::string reason = std::strerror(errno);
+        _file.reset();
+        throw Error("cannot record to " + _path + ": " + reason);
+    }
+}
+
 Recording::Recording(const std::string& path)
-    : _path(path == "-" ? "standard input" : path),
-      _file(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (_file < 0) {
+    : _path(path == "-" ? "/dev/stdin" : path), _file(_path) {
+    if (!_file) {
         throw Error("cannot read " + _path + ": " + std::strerror(errno));
     }
 }
 
-Recording::~Recording() {
-    if (_file != STDIN_FILENO) {
-        close(_file);
-    }
-}
-
 std::optional<Exchange> Recording::next() {
-    std::string line;
     try {
-        if (_lines == 0 && readLine(line)) {
-            format::checkHeader(line);
+        if (_lines == 0 && readLine()) {
+            format::checkHeader(std::exchange(_line, ""));
         }
-        if (!readLine(line)) {
+        if (_lines == 0 || !readLine()) {
             return std::nullopt;
         }
+        return format::read(std::exchange(_line, ""));
     } catch (const Error& e) {
-        throw Error("cannot read " + _path + ": " + e.what());
-    }
-    try {
-        return format::read(line);
-    } catch (const Error& e) {
-        throw Error("cannot read " + _path + ": line " + std::to_string(_lines) +
-                    " is not a recorded exchange: " + e.what());
+        throw Error("cannot read " + _path + ": line " + std::to_string(_lines) + ": " + e.what());
     }
 }
 
 // Returns false at the end of what is there now.
-bool Recording::readLine(std::string& line) {
-    char chunk[65536];
-    std::size_t searched = 0;
-    std::size_t end;
-    while ((end = _unread.find('\n', searched)) == std::string::npos) {
-        searched = _unread.size();
-        const ssize_t size = read(_file, chunk, sizeof(chunk));
-        if (size < 0) {
-            throw Error(std::strerror(errno));
-        }
-        if (size == 0) {
-            return false;
-        }
-        _unread.append(chunk, static_cast<std::size_t>(size));
+bool Recording::readLine() {
+    std::string more;
+    // After an end, more may have been written.
+    _file.clear();
+    std::getline(_file, more);
+    if (_file.bad()) {
+        throw Error(std::strerror(errno));
     }
-    line = _unread.substr(0, end);
-    _unread.erase(0, end + 1);
-    ++_lines;
-    return true;
+    _line += more;
+    const bool isWhole = _file.good();
+    _lines += isWhole ? 1 : 0;
+    return isWhole;
 }
 
 } // namespace azubsim

@@ -3,11 +3,13 @@
 #include <utility>
 
 #include "tools/azubsim/protocol/Messages.h"
+#include "tools/azubsim/report/Recording.h"
 #include "tools/common/Error.h"
 
 namespace azubsim {
 
-Replay::Replay(const std::string& path, Rules rules) : _rules(rules) {
+Replay::Replay(const std::string& path, Rules rules, Tell tell)
+    : _rules(rules), _tell(std::move(tell)) {
     Recording recording(path);
     while (auto exchange = recording.next()) {
         add(std::move(*exchange));
@@ -15,13 +17,15 @@ Replay::Replay(const std::string& path, Rules rules) : _rules(rules) {
     if (_answers.empty()) {
         throw tools::Error("cannot replay " + path + ": it contains no exchanges");
     }
-    _note = recording.isCut() ? "the last line of " + path + " is unfinished and is left out" : "";
+    if (recording.isCut()) {
+        _tell("the last line of " + path + " is unfinished and is left out");
+    }
 }
 
 void Replay::add(Exchange exchange) {
     Reply& reply = exchange.reply;
     if (!_rules.isTimed && !reply.pieces.empty()) {
-        reply.pieces = {{std::chrono::microseconds(0), reply.bytes()}};
+        reply.pieces = {{noWait, reply.bytes()}};
     }
     Reply*& last = _last[exchange.client];
     if (exchange.isUnasked() && last != nullptr) {
@@ -40,23 +44,20 @@ std::string Replay::key(const std::string& request) const {
 
 Reply Replay::next(const std::string& request) {
     const std::string command = key(request);
-    Answers& answers = _answers[command];
-    if (answers.next == answers.replies.size() && _rules.repeats) {
-        answers.next = 0;
-    }
-    if (answers.next == answers.replies.size()) {
+    auto& [replies, next] = _answers[command];
+    if (next == replies.size()) {
         return {{}, true};
     }
-    Reply reply = answers.replies[answers.next++];
-    if (answers.next == answers.replies.size() && !_rules.repeats) {
-        _note = "the recording has no more answers" + (command.empty() ? "" : " to " + command) +
-                "; further requests close the connection";
+    Reply reply = replies[next++];
+    if (next == replies.size()) {
+        if (_rules.repeats) {
+            next = 0;
+        } else {
+            _tell("the recording has no more answers" + (command.empty() ? "" : " to " + command) +
+                  "; further requests close the connection");
+        }
     }
     return reply;
-}
-
-std::string Replay::takeNote() {
-    return std::exchange(_note, "");
 }
 
 } // namespace azubsim

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <string>
 
-#include "tools/azubsim/report/Recording.h"
+#include "tools/azubsim/protocol/Exchange.h"
 
 namespace azubsim {
 
@@ -19,16 +20,15 @@ public:
         bool isInOrder = false; ///< Gives the answers in their order and ignores the requests.
         bool repeats = false;   ///< Starts again after the last answer.
     };
+    using Tell = std::function<void(const std::string&)>;
 
-    /// Reads the whole recording. Throws a `tools::Error` if it is not one.
-    Replay(const std::string& path, Rules rules);
+    /// Reads the whole recording. Calls `tell` with what the user should know: that the recording
+    /// is cut short, or later that the answers to a command were all given. Throws a `tools::Error`
+    /// if the file is not a recording.
+    Replay(const std::string& path, Rules rules, Tell tell);
 
     /// The next answer; after the last one, a reply that closes the connection.
     Reply next(const std::string& request);
-
-    /// What the user should know now, or nothing: that the recording is cut short, or that the
-    /// answers to a command were all given.
-    std::string takeNote();
 
 private:
     struct Answers {
@@ -39,10 +39,10 @@ private:
     void add(Exchange exchange);
     std::string key(const std::string& request) const;
 
-    Rules _rules;
+    const Rules _rules;
+    const Tell _tell;
     std::map<std::string, Answers> _answers; ///< By command.
     std::map<int, Reply*> _last;             ///< By client.
-    std::string _note;
 };
 
 } // namespace azubsim

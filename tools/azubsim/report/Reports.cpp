@@ -2,33 +2,30 @@
 
 #include "tools/azubsim/report/Line.h"
 #include "tools/common/Error.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 
 void Reports::add(const Exchange& exchange) {
-    ++tally.exchanges;
-    tally.spoiled += exchange.said.empty() ? 0 : 1;
+    ++_exchanges;
+    _spoiled += exchange.said.empty() ? 0 : 1;
     if (!isQuiet) {
         _screen.say(exchangeLine(exchange));
     }
-    if (!recorder) {
-        return;
-    }
     try {
-        recorder->add(exchange);
+        if (recorder) {
+            recorder->add(exchange);
+        }
     } catch (const tools::Error& e) {
         _failure = "the recording is not complete";
         _screen.warn(std::string(e.what()) + "; the recording ends here");
     }
 }
 
-void Reports::finish() {
-    if (recorder) {
-        recorder->finish();
-    }
-    if (!_failure.empty()) {
-        throw tools::Error(_failure);
-    }
+std::string Reports::tally(int clients) const {
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - _start;
+    return tools::printed("%lu exchanges, %lu spoiled, %d clients, %.1f s", _exchanges, _spoiled,
+                          clients, passed.count());
 }
 
 } // namespace azubsim

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
+#include <string>
 
 #include "tools/azubsim/protocol/Exchange.h"
-#include "tools/azubsim/report/Recorder.h"
+#include "tools/azubsim/report/Recording.h"
 #include "tools/azubsim/report/Screen.h"
-#include "tools/azubsim/report/Tally.h"
 
 namespace azubsim {
 
@@ -18,16 +19,21 @@ public:
 
     bool isQuiet = false; ///< No line per exchange.
     std::optional<Recorder> recorder;
-    Tally tally;
 
     void add(const Exchange& exchange);
 
-    /// Completes the recording. Throws a `tools::Error` if it is not complete.
-    void finish();
+    /// What was counted since the start.
+    std::string tally(int clients) const;
+
+    /// Why the recording is not complete; empty if it is.
+    const std::string& failure() const { return _failure; }
 
 private:
     Screen& _screen;
-    std::string _failure; ///< Why the recording is not complete.
+    unsigned long _exchanges = 0;
+    unsigned long _spoiled = 0; ///< Exchanges that got a fault.
+    const std::chrono::steady_clock::time_point _start = std::chrono::steady_clock::now();
+    std::string _failure;
 };
 
 } // namespace azubsim

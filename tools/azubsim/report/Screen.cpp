@@ -1,14 +1,13 @@
 #include "tools/azubsim/report/Screen.h"
 
 #include <fcntl.h>
-#include <poll.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <sstream>
-#include <utility>
 
 #include "tools/common/Printable.h"
 #include "tools/common/Text.h"
@@ -20,13 +19,18 @@ namespace {
 // A pipe takes this many bytes at once or none of them.
 constexpr std::size_t maxShownLine = 4000;
 
-// A terminal or a pipe is opened again, because other programs share the flags of the descriptor
-// that this one was given. If that is not possible, asking before each write has to do.
-int openWithoutBlocking(int descriptor) {
+ssize_t writeAtOnce(int descriptor, const std::string& text) {
+    const ssize_t size = send(descriptor, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
+    return size < 0 && errno == ENOTSOCK ? write(descriptor, text.data(), text.size()) : size;
+}
+
+} // namespace
+
+int openAgain(int descriptor, int access) {
     struct stat status {};
     if (fstat(descriptor, &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode))) {
         const std::string path = "/proc/self/fd/" + std::to_string(descriptor);
-        const int own = open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+        const int own = open(path.c_str(), access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
         if (own >= 0) {
             return own;
         }
@@ -34,15 +38,8 @@ int openWithoutBlocking(int descriptor) {
     return fcntl(descriptor, F_DUPFD_CLOEXEC, 3);
 }
 
-bool isReady(int descriptor) {
-    pollfd polled{descriptor, POLLOUT, 0};
-    return poll(&polled, 1, 0) != 0;
-}
-
-} // namespace
-
 Screen::Screen()
-    : _output{openWithoutBlocking(STDOUT_FILENO)}, _errors{openWithoutBlocking(STDERR_FILENO)} {}
+    : _output{openAgain(STDOUT_FILENO, O_WRONLY)}, _errors{openAgain(STDERR_FILENO, O_WRONLY)} {}
 
 Screen::~Screen() {
     ::close(_output.descriptor);
@@ -68,32 +65,25 @@ void Screen::print(Stream& stream, const std::string& line) {
     if (stream.isLost) {
         return;
     }
-    if (!isReady(stream.descriptor)) {
-        ++stream.leftOut;
-        return;
-    }
-    std::string text = std::exchange(stream.isCut, false) ? "\n" : "";
+    std::string text = stream.isCut ? "\n" : "";
     if (stream.leftOut > 0) {
-        text += "azubsim: nobody read the output; " +
-                std::to_string(std::exchange(stream.leftOut, 0)) + " lines were left out\n";
+        text += "azubsim: nobody read the output; " + std::to_string(stream.leftOut) +
+                " lines were left out\n";
     }
     const std::string shown = tools::printable(line).substr(0, maxShownLine);
-    write(stream, text + tools::broken(shown, tools::terminalColumns(stream.descriptor)) + '\n');
-}
-
-void Screen::write(Stream& stream, const std::string& text) {
-    const ssize_t size = ::write(stream.descriptor, text.data(), text.size());
+    text += tools::broken(shown, tools::terminalColumns(stream.descriptor)) + '\n';
+    const ssize_t size = writeAtOnce(stream.descriptor, text);
     if (size == static_cast<ssize_t>(text.size())) {
-        return;
-    }
-    if (size >= 0 || errno == EAGAIN || errno == EINTR) {
-        stream.isCut = size > 0;
+        stream.leftOut = 0;
+        stream.isCut = false;
+    } else if (size >= 0 || errno == EAGAIN || errno == EINTR) {
         ++stream.leftOut;
-        return;
-    }
-    stream.isLost = true;
-    if (&stream == &_output && lost) {
-        lost(std::strerror(errno));
+        stream.isCut = stream.isCut || size > 0;
+    } else {
+        stream.isLost = true;
+        if (&stream == &_output && lost) {
+            lost(std::strerror(errno));
+        }
     }
 }
 

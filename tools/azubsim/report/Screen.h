@@ -5,6 +5,11 @@
 
 namespace azubsim {
 
+/// Opens what is behind a standard descriptor again, so that not blocking on it does not concern
+/// other programs, which share the flags of the descriptor that this one was given. Returns a copy
+/// of the descriptor where that is not possible or not needed.
+int openAgain(int descriptor, int access);
+
 /// Standard output and standard error of a program that must go on whatever their readers do.
 ///
 /// Nothing here blocks: lines that nobody reads are left out and counted.
@@ -20,7 +25,7 @@ public:
     /// line that is too long is broken between words.
     void say(const std::string& line);
 
-    /// The same with several lines, which contain no text from outside.
+    /// The same with several lines.
     void sayLines(const std::string& lines);
 
     /// The same with one line to standard error, and "azubsim: " before it.
@@ -38,7 +43,6 @@ private:
     };
 
     void print(Stream& stream, const std::string& line);
-    void write(Stream& stream, const std::string& text);
 
     Stream _output;
     Stream _errors;

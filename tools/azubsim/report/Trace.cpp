@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <utility>
-#include <vector>
 
+#include "tools/azubsim/protocol/Description.h"
 #include "tools/common/Number.h"
 
 namespace azubsim {
@@ -14,35 +14,30 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int processId = 1;
-constexpr std::size_t maxEventText = 1000;
+constexpr std::size_t maxText = 1000;
 
-std::string eventLine(const Json& event) {
-    return event.dump(-1, ' ', true, Json::error_handler_t::replace) + '\n';
-}
-
-Json name(const char* what, int client, const std::string& text) {
-    return {{"ph", "M"},
-            {"name", what},
-            {"pid", processId},
-            {"tid", client},
-            {"args", {{"name", text}}}};
-}
-
-// The fields that every event of an exchange has.
-Json event(const char* phase, const std::string& name, int client, tools::Time time) {
-    return {
-        {"ph", phase}, {"name", name}, {"pid", processId}, {"tid", client}, {"ts", time.count()}};
+// The figures by the names of their curves.
+Json figures(const Description& description) {
+    Json figures = Json::object();
+    const auto add = [&](const char* curve, const auto& ms) {
+        if (ms) {
+            figures[curve] = *ms;
+        }
+    };
+    add("audio latency", description.latencyMs);
+    add("jitter depth", description.jitterMs);
+    add("margin", description.marginMs);
+    return figures;
 }
 
 Json arguments(const Exchange& exchange, const Description& description) {
-    Json arguments;
+    Json arguments = figures(description);
     for (const auto& [name, text] :
          {std::pair("request", exchange.request), std::pair("verdict", description.verdict),
           std::pair("argument", description.argument), std::pair("message", description.message),
           std::pair("after", description.after), std::pair("fault", exchange.fault)}) {
         if (!text.empty()) {
-            arguments[name] = text.substr(0, maxEventText);
+            arguments[name] = text.substr(0, maxText);
         }
     }
     arguments["engine_ms"] =
@@ -50,31 +45,20 @@ Json arguments(const Exchange& exchange, const Description& description) {
     return arguments;
 }
 
-// The figures of an exchange by the names of their curves.
-std::vector<std::pair<const char*, Json>> figures(const Description& description) {
-    std::vector<std::pair<const char*, Json>> all;
-    const auto add = [&](const char* curve, const auto& figure) {
-        if (figure) {
-            all.emplace_back(curve, *figure);
-        }
-    };
-    add("audio latency", description.latencyMs);
-    add("jitter depth", description.jitterMs);
-    add("margin", description.marginMs);
-    return all;
-}
-
 } // namespace
 
 Trace::Trace(std::ostream& stream) : _stream(stream) {
-    _stream << "[\n" << eventLine(name("process_name", 0, "azubsim"));
+    _stream << R"([
+{"ph":"M","name":"process_name","pid":1,"tid":0,"args":{"name":"azubsim"}}
+)";
 }
 
 void Trace::add(const Exchange& exchange) {
-    const auto [last, isNew] = _ends.try_emplace(exchange.client, exchange.time);
+    const int client = exchange.client;
+    const auto [last, isNew] = _ends.try_emplace(client, exchange.time);
     if (isNew) {
-        const std::string client = "client " + std::to_string(exchange.client);
-        _stream << ',' << eventLine(name("thread_name", exchange.client, client));
+        addEvent("M", "thread_name", client, exchange.time,
+                 {{"args", {{"name", "client " + std::to_string(client)}}}});
     }
     // A client can send a request before it has the answer to the previous one, but slices of a
     // track must not overlap.
@@ -83,24 +67,23 @@ void Trace::add(const Exchange& exchange) {
         std::max(start, exchange.time + std::max(exchange.replyTook(), exchange.engineTook));
     last->second = end;
     const Description description = describe(exchange);
-    Json slice = event("X", description.command, exchange.client, start);
-    slice["dur"] = (end - start).count();
-    slice["args"] = arguments(exchange, description);
-    const auto curves = figures(description);
-    for (const auto& [curve, ms] : curves) {
-        slice["args"][curve] = ms;
-    }
-    _stream << ',' << eventLine(slice);
-    for (const auto& [curve, ms] : curves) {
-        Json counter = event("C", curve, exchange.client, end);
-        counter["args"] = {{"ms", ms}};
-        _stream << ',' << eventLine(counter);
+    addEvent("X", description.command, client, start,
+             {{"dur", (end - start).count()}, {"args", arguments(exchange, description)}});
+    const Json curves = figures(description);
+    for (const auto& [curve, ms] : curves.items()) {
+        addEvent("C", curve, client, end, {{"args", {{"ms", ms}}}});
     }
     if (!exchange.fault.empty()) {
-        Json mark = event("i", exchange.fault, exchange.client, start);
-        mark["s"] = "t"; // Only on the client's track.
-        _stream << ',' << eventLine(mark);
+        // Only on the client's track.
+        addEvent("i", exchange.fault, client, start, {{"s", "t"}});
     }
+}
+
+void Trace::addEvent(const char* phase, const std::string& name, int client, tools::Time time,
+                     const Json& more) {
+    Json event{{"ph", phase}, {"name", name}, {"pid", 1}, {"tid", client}, {"ts", time.count()}};
+    event.update(more);
+    _stream << ',' << event.dump(-1, ' ', true, Json::error_handler_t::replace) << '\n';
 }
 
 void Trace::end() {

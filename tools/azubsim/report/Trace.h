@@ -2,8 +2,9 @@
 
 #include <iosfwd>
 #include <map>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
 
-#include "tools/azubsim/protocol/Description.h"
 #include "tools/azubsim/protocol/Exchange.h"
 
 namespace azubsim {
@@ -23,6 +24,9 @@ public:
     void end();
 
 private:
+    void addEvent(const char* phase, const std::string& name, int client, tools::Time time,
+                  const nlohmann::ordered_json& more);
+
     std::ostream& _stream;
     std::map<int, tools::Time> _ends; ///< The end of each client's last slice.
 };
