@@ -28,161 +28,132 @@ constexpr const char* examples =
     "  azubsim trace call.jsonl > call.json\n"
     "  azubsim replay call.jsonl --socket /tmp/engine --timed\n";
 
-// Declares the options and arguments of one mode.
-class ModeOptions {
-public:
-    ModeOptions(CLI::App& app, Options& options, Mode mode, const char* name,
-                const char* description)
-        : _mode(mode), _options(options), _app(*app.add_subcommand(name, description)) {
-        _app.callback([&options, mode] { options.mode = mode; });
-    }
+CLI::App& addMode(CLI::App& app, Options& options, Mode mode, const char* name,
+                  const char* description) {
+    CLI::App* const added = app.add_subcommand(name, description);
+    added->callback([&options, mode] { options.mode = mode; });
+    return *added;
+}
 
-    void addPath(const char* name, std::string& path, const char* placeholder,
-                 const char* description, bool isRequired = true) {
-        // An empty path usually comes from a shell variable that is not set.
-        _app.add_option(name, path, description)
-            ->option_text(placeholder)
-            ->required(isRequired)
-            ->check(
-                [](const std::string& text) { return text.empty() ? "the path is empty" : ""; });
-    }
+CLI::Option* addPath(CLI::App& app, const char* name, std::string& path, const char* placeholder,
+                     const char* description) {
+    // An empty path usually comes from a shell variable that is not set.
+    const auto check = [](const std::string& text) { return text.empty() ? "it is empty" : ""; };
+    return app.add_option(name, path, description)->option_text(placeholder)->check(check);
+}
 
-    void addFlag(const char* name, bool& flag, const char* description) {
-        _app.add_flag(name, flag, description);
-    }
+// An option that is carried out as the command of the same name at the start.
+void addCommand(CLI::App& app, Options& options, const std::string& name, const char* placeholder,
+                const char* description, const std::string& whenRepeated = "") {
+    const auto add = [=, &options](const std::vector<std::string>& values) {
+        std::string command = name;
+        for (const std::string& value : values) {
+            options.commands.push_back(command + ' ' + value);
+            command = whenRepeated.empty() ? name : whenRepeated;
+        }
+    };
+    app.add_option_function<std::vector<std::string>>("--" + name, add, description)
+        ->option_text(placeholder)
+        ->expected(1)
+        ->take_all();
+}
 
-    // The option is carried out as a command at the start. If it is repeated, the others are
-    // carried out as `another`.
-    void addCommand(const std::string& name, const std::string& placeholder,
-                    const std::string& command, const std::string& another,
-                    const std::string& description) {
-        const auto add = [&commands = _options.commands, command,
-                          another](const std::vector<std::string>& values) {
-            for (const std::string& value : values) {
-                commands.push_back((&value == &values.front() ? command : another) + ' ' + value);
-            }
-        };
-        _app.add_option_function<std::vector<std::string>>(name, add, description)
-            ->option_text(placeholder)
-            ->expected(1)
-            ->take_all();
-    }
+void addCommandFlag(CLI::App& app, Options& options, const char* name, const char* command,
+                    const char* description) {
+    app.add_flag_callback(
+        name, [=, &options] { options.commands.emplace_back(command); }, description);
+}
 
-    void addCommandFlag(const char* name, const char* command, const char* description) {
-        _app.add_flag_callback(
-            name, [&commands = _options.commands, command] { commands.push_back(command); },
-            description);
-    }
+void addFaultsAndRecord(CLI::App& app, Options& options) {
+    addCommand(app, options, "fault", "FAULT",
+               "Apply this fault to answers. If the option is repeated,\n"
+               "the faults take turns",
+               "also");
+    addCommand(app, options, "every", "N", "Apply a fault to one answer in N");
+    addCommand(app, options, "seed", "S",
+               "Choose at random which answers get which fault; the same\n"
+               "seed repeats the choices");
+    addCommand(app, options, "only", "TARGET",
+               "Spoil only the answers to this command, GetAudioTs or\n"
+               "SetAudioDelay, or to this client, for example 'client 3'");
+    addPath(app, "--record", options.recordFile, "FILE",
+            "Write each exchange to this new file, to show, trace or\n"
+            "replay it");
+}
 
-    void addSocket() {
-        addPath("--socket", _options.socket, "PATH",
-                "Socket path to listen on (required). A stale socket is\n"
-                "replaced; anything else there is an error");
-    }
-
-    void addFaults() {
-        addCommand("--fault", "FAULT", "fault", "also",
-                   "Apply this fault to answers. If the option is repeated,\n"
-                   "the faults take turns");
-        addCommand("--every", "N", "every", "every", "Apply a fault to one answer in N");
-        addCommand("--seed", "S", "seed", "seed",
-                   "Choose at random which answers get which fault; the same\n"
-                   "seed repeats the choices");
-        addCommand("--only", "TARGET", "only", "only",
-                   "Spoil only the answers to this command, GetAudioTs or\n"
-                   "SetAudioDelay, or to this client, for example 'client 3'");
-    }
-
-    void addRecord() {
-        addPath("--record", _options.recordFile, "FILE",
-                "Write each exchange to this new file, to show, trace or\n"
-                "replay it",
-                false);
-    }
-
-    // What every mode has that serves clients.
-    void addServing() {
-        addPath("--scenario", _options.scenarioFile, "FILE",
-                "Carry out the commands of this file: lines of\n"
-                "SECONDS COMMAND, with the time since the start. Lines\n"
-                "that start with # are comments",
-                false);
-        addCommandFlag("--quiet", "quiet on", "Print no line per exchange");
-        _app.footer([&app = _app, mode = _mode] {
-            Options options;
-            options.mode = mode;
-            return "Commands of " + app.get_name() + ", on standard input or with azubsim tell:\n" +
-                   Program(options).commands().help();
-        });
-    }
-
-    CLI::App& app() { return _app; }
-
-private:
-    const Mode _mode;
-    Options& _options;
-    CLI::App& _app;
-};
+// What every mode has that serves clients.
+void addServing(CLI::App& app, Options& options, Mode mode) {
+    addPath(app, "--socket", options.socket, "PATH",
+            "Socket path to listen on (required). A stale socket is\n"
+            "replaced; anything else there is an error")
+        ->required();
+    addPath(app, "--scenario", options.scenarioFile, "FILE",
+            "Carry out the commands of this file: lines of\n"
+            "SECONDS COMMAND, with the time since the start. Lines\n"
+            "that start with # are comments");
+    addCommandFlag(app, options, "--quiet", "quiet on", "Print no line per exchange");
+    app.footer([mode, name = app.get_name()] {
+        Options nothing;
+        nothing.mode = mode;
+        return "Commands of " + name + ", on standard input or with azubsim tell:\n" +
+               Program(nothing).commands().help();
+    });
+}
 
 void addServers(CLI::App& app, Options& options) {
-    ModeOptions engine(app, options, Mode::Engine, "engine",
-                       "Simulate the audio engine, with plausible timestamps or with faults");
-    engine.addSocket();
-    engine.addFaults();
-    engine.addCommandFlag("--no-call", "call off",
-                          "Start outside a call: every request gets error code 1003");
-    engine.addPath("--network", options.networkFile, "FILE",
-                   "Follow a recorded network: the latency and the jitter\n"
-                   "buffer's depth of this CSV file, by the time since the\n"
-                   "first client connected, again and again",
-                   false);
-    engine.addRecord();
-    engine.addServing();
+    CLI::App& engine = addMode(app, options, Mode::Engine, "engine",
+                               "Simulate the audio engine, also one with faults");
+    addServing(engine, options, Mode::Engine);
+    addFaultsAndRecord(engine, options);
+    addCommandFlag(engine, options, "--no-call", "call off",
+                   "Start outside a call: every request gets error code 1003");
+    addPath(engine, "--network", options.networkFile, "FILE",
+            "Follow a recorded network: the latency and the jitter\n"
+            "buffer's depth of this CSV file, by the time since the\n"
+            "first client connected, again and again");
 
-    ModeOptions tap(app, options, Mode::Tap, "tap",
-                    "Stand between clients and a real engine: pass everything\n"
-                    "on, and print, record or spoil it");
-    tap.addPath("ENGINE", options.engine, " ", "The engine's socket path");
-    tap.addSocket();
-    tap.addFaults();
-    tap.addRecord();
-    tap.addServing();
+    CLI::App& tap = addMode(app, options, Mode::Tap, "tap",
+                            "Stand between clients and a real engine: pass everything\n"
+                            "on, and print, record or spoil it");
+    addPath(tap, "ENGINE", options.engine, " ", "The engine's socket path")->required();
+    addServing(tap, options, Mode::Tap);
+    addFaultsAndRecord(tap, options);
 
-    ModeOptions replay(app, options, Mode::Replay, "replay",
-                       "Give each request the next recorded answer to the same\n"
-                       "command; after the last one, close the connection");
-    replay.addPath("RECORDING", options.recording, " ", "The file");
-    replay.addSocket();
-    replay.addFlag("--timed", options.rules.isTimed, "Answer after the recorded times");
-    replay.addFlag("--in-order", options.rules.isInOrder,
-                   "Give the answers in their order, whatever is asked");
-    replay.addFlag("--repeat", options.rules.repeats, "Start again after the last answer");
-    replay.addServing();
+    CLI::App& replay = addMode(app, options, Mode::Replay, "replay",
+                               "Give each request the next recorded answer to the same\n"
+                               "command; after the last one, close the connection");
+    addPath(replay, "RECORDING", options.recording, " ", "The file")->required();
+    addServing(replay, options, Mode::Replay);
+    replay.add_flag("--timed", options.rules.isTimed, "Answer after the recorded times");
+    replay.add_flag("--in-order", options.rules.isInOrder,
+                    "Give the answers in their order, whatever is asked");
+    replay.add_flag("--repeat", options.rules.repeats, "Start again after the last answer");
 }
 
 void addTools(CLI::App& app, Options& options) {
-    ModeOptions show(app, options, Mode::Show, "show", "Print a recording: a line per exchange");
-    show.addPath("RECORDING", options.recording, " ", "The file; - is standard input");
-    show.addFlag("-f,--follow", options.follows, "Go on while the file grows");
+    constexpr const char* file = "The file; - is standard input";
+    CLI::App& show =
+        addMode(app, options, Mode::Show, "show", "Print a recording: a line per exchange");
+    addPath(show, "RECORDING", options.recording, " ", file)->required();
+    show.add_flag("-f,--follow", options.follows, "Go on while the file grows");
 
-    ModeOptions trace(app, options, Mode::Trace, "trace",
-                      "Print a recording as Trace Event JSON, for\n"
-                      "ui.perfetto.dev or chrome://tracing");
-    trace.addPath("RECORDING", options.recording, " ", "The file; - is standard input");
+    CLI::App& trace = addMode(app, options, Mode::Trace, "trace",
+                              "Print a recording as Trace Event JSON, for\n"
+                              "ui.perfetto.dev or chrome://tracing");
+    addPath(trace, "RECORDING", options.recording, " ", file)->required();
 
-    ModeOptions tell(app, options, Mode::Tell, "tell",
-                     "Give a command to the azubsim that listens at a socket,\n"
-                     "and print its answer. \"help\" lists the commands");
-    tell.addPath("SOCKET", options.socket, " ", "The path after --socket");
-    tell.app()
-        .add_option_function<std::vector<std::string>>(
-            "COMMAND",
-            [&options](const auto& words) { options.command = CLI::detail::join(words, " "); },
-            "The command")
+    CLI::App& tell = addMode(app, options, Mode::Tell, "tell",
+                             "Give a command to the azubsim that listens at a socket,\n"
+                             "and print its answer. \"help\" lists the commands");
+    addPath(tell, "SOCKET", options.socket, " ", "The path after --socket")->required();
+    const auto join = [&options](const std::vector<std::string>& words) {
+        options.command = CLI::detail::join(words, " ");
+    };
+    tell.add_option_function<std::vector<std::string>>("COMMAND", join, "The command")
         ->option_text(" ")
         ->required();
     // The words of a command may begin with a minus sign.
-    tell.app().positionals_at_end();
+    tell.positionals_at_end();
 }
 
 } // namespace

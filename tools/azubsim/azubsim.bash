@@ -28,12 +28,12 @@ _azubsim() {
                     show) words+=' --follow' ;;
                 esac
                 case $mode in
-                    engine | tap) words+=' --fault --every --seed --only --record --force' ;;
+                    engine | tap) words+=' --fault --every --seed --only --record' ;;
                     replay) words+=' --timed --in-order --repeat' ;;
                 esac
                 [[ $mode != engine ]] || words+=' --no-call --network'
             elif [[ $mode == tell ]] && ((COMP_CWORD == 3)); then
-                words='help status call network jitter slew offset drift freeze fault every seed only
+                words='help status call network jitter slew offset drift freeze fault also every seed only
                     down quiet quit'
             elif [[ $mode != tell || $COMP_CWORD == 2 ]]; then
                 files=yes

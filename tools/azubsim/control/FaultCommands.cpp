@@ -33,7 +33,7 @@ void addFaultCommands(Commands& commands, FaultPlan& faults) {
                          FaultPlan::checkTarget(target);
                          return [&, target] { faults.aim(target); };
                      });
-    commands.addHelp("Faults:\n" + Fault::table());
+    commands.addHelp("\nFaults:\n" + Fault::table());
     commands.addStatus([&] { return faults.status(); });
 }
 
