@@ -1,36 +1,13 @@
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 
 #include "tests/support/Files.h"
 #include "tests/tools/Engine.h"
-#include "tools/azubsim/engine/AudioEngine.h"
-
-using azubsim::AudioEngine;
-using azubsim::Timestamps;
-using std::chrono::milliseconds;
-using std::chrono::seconds;
 
 using Scenario = tests::EngineTest;
 
 namespace {
-
-constexpr double unitsPerMs = 4294967.296;
-const AudioEngine::Clock::time_point start{seconds(1800000000)};
-
-Timestamps timestamps(const AudioEngine& engine, AudioEngine::Clock::time_point now) {
-    Timestamps result;
-    engine.timestamps(now, result);
-    return result;
-}
-
-// How long before its arrival the last packet was captured, by the far end's clock.
-double onTheWayMs(const AudioEngine& engine, AudioEngine::Clock::time_point now) {
-    const Timestamps result = timestamps(engine, now);
-    return static_cast<double>(static_cast<std::int64_t>(result.receiving - result.capture)) /
-           unitsPerMs;
-}
 
 // Pictures in each second, from the rows of the pipeline's output.
 std::vector<int> picturesPerSecond(const std::string& output) {
@@ -43,69 +20,6 @@ std::vector<int> picturesPerSecond(const std::string& output) {
 }
 
 } // namespace
-
-TEST_F(Scenario, TheFarEndsClockDriftsWithoutJumps) {
-    constexpr double tolerance = 1e-3;
-    AudioEngine engine;
-    engine.setNetwork(milliseconds(80));
-    engine.setDriftPpm(-250.5, start);
-    EXPECT_NEAR(onTheWayMs(engine, start), 80, tolerance);
-    const auto later = start + seconds(1000) + milliseconds(13);
-    EXPECT_NEAR(onTheWayMs(engine, later), 80 + 250.5, tolerance);
-    engine.setDriftPpm(100000, later);
-    EXPECT_NEAR(onTheWayMs(engine, later), 80 + 250.5, tolerance);
-    EXPECT_NEAR(onTheWayMs(engine, later + seconds(2)), 80 + 250.5 - 200, tolerance);
-    engine.setOffsetMs(-5, later + seconds(2));
-    EXPECT_NEAR(onTheWayMs(engine, later + seconds(2)), 80 + 5, tolerance);
-    EXPECT_NEAR(onTheWayMs(engine, later + seconds(3)), 80 + 5 - 100, tolerance);
-    // A timestamp does not wrap below zero.
-    const AudioEngine::Clock::time_point in1900{-seconds(2208988800)};
-    engine.setOffsetMs(-1000, in1900);
-    EXPECT_EQ(timestamps(engine, in1900).capture, 0U);
-}
-
-TEST_F(Scenario, TimestampsStandStillWhileTheyAreFrozen) {
-    AudioEngine engine;
-    engine.setJitter(milliseconds(0));
-    engine.freeze(start);
-    const Timestamps frozen = timestamps(engine, start);
-    engine.setMargin(100, start);
-    engine.setNetwork(milliseconds(500));
-    engine.freeze(start + seconds(1));
-    const Timestamps later = timestamps(engine, start + seconds(2));
-    EXPECT_EQ(later.capture, frozen.capture);
-    EXPECT_EQ(later.rendering, frozen.rendering);
-    EXPECT_EQ(later.receiving, frozen.receiving);
-    engine.unfreeze();
-    const Timestamps thawed = timestamps(engine, start + seconds(2));
-    EXPECT_EQ(thawed.receiving - frozen.receiving, 2ULL << 32);
-    EXPECT_NEAR(static_cast<double>(thawed.rendering - thawed.receiving), 110 * unitsPerMs, 1);
-}
-
-TEST_F(Scenario, AMarginIsAppliedAtTheRateOfTheSlew) {
-    AudioEngine engine;
-    engine.setJitter(milliseconds(0));
-    const auto expectMargin = [&](double marginMs, milliseconds after) {
-        const Timestamps result = timestamps(engine, start + after);
-        EXPECT_NEAR(static_cast<double>(result.rendering - result.receiving) / unitsPerMs,
-                    10 + marginMs, 1e-3);
-    };
-    engine.setSlew(20, start);
-    engine.setMargin(60, start);
-    expectMargin(0, milliseconds(0));
-    expectMargin(20, seconds(1));
-    engine.setMargin(0, start + seconds(2));
-    expectMargin(30, milliseconds(2500));
-    engine.setSlew(10, start + milliseconds(2500));
-    expectMargin(25, seconds(3));
-    expectMargin(0, seconds(60));
-    engine.setMargin(100, start + seconds(60));
-    engine.setSlew(0, start + seconds(60));
-    expectMargin(100, seconds(60));
-    engine.setSlew(20, start + seconds(61));
-    engine.resetMargin();
-    expectMargin(0, seconds(61));
-}
 
 TEST_F(Scenario, StatusShowsWhatCommandsChanged) {
     const tests::Engine engine(socket);
@@ -127,24 +41,59 @@ TEST_F(Scenario, StatusShowsWhatCommandsChanged) {
               atFirst);
 }
 
-TEST_F(Scenario, MistakesAreNamedWithTheirLine) {
-    const std::string file = directory.path() + "/trouble.scenario";
-    const auto expectError = [&](const std::string& line, const std::string& error) {
-        std::ofstream(file) << "# Trouble\n\n1.5 drift -0.5\n" << line;
-        expectFailure(AZUBSIM, "engine --scenario " + file + at, 1,
-                      "azubsim: " + file + ":4: " + error);
+TEST_F(Scenario, ANetworkBeginsWithTheFirstClientAndEndsWithACommand) {
+    const std::string file = directory.path() + "/network.csv";
+    std::ofstream(file) << "time_s,audio_ms,depth_ms,picture_ms\n"
+                           "0,170,30,0\n1,260,50,0\n86400,0,0,0\n";
+    const tests::Engine engine(socket, {"--network", file});
+    const std::string readings = run(LIPSYNCCTL, "timestamps --count 2 --interval 1100" + at);
+    EXPECT_TRUE(std::regex_match(readings, std::regex(".*latency 170.0 ms  jitter 30 ms\n"
+                                                      ".*latency 260.0 ms  jitter 50 ms\n")))
+        << readings;
+    engine.write("status\nnetwork 80\njitter 10\n");
+    engine.readUntil("call on\nnetwork from a file\nslew 0 ms/s\n");
+    engine.readUntil("jitter 10 ms\n");
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "latency 100.0 ms  jitter 10 ms",
+                        run(LIPSYNCCTL, "timestamps" + at));
+}
+
+TEST_F(Scenario, MistakesInFilesAreNamedWithTheirLine) {
+    const std::string file = directory.path() + "/trouble";
+    const auto expectError = [&](const std::string& option, const std::string& text,
+                                 const std::string& error) {
+        std::ofstream(file) << text;
+        expectFailure(AZUBSIM, "engine " + option + ' ' + file + at, 1,
+                      "azubsim: " + file + ':' + error);
+        expectFailure(AZUBSIM, "engine " + option + ' ' + file + "/x" + at, 1,
+                      "azubsim: " + file + "/x: Not a directory\n");
     };
-    expectError("2 nonsense", "invalid command: nonsense\n");
-    expectError("2 network 10001\n3 nonsense",
-                "invalid command: network 10001: MS must be a whole number from 0 to 10000\n");
-    expectError("2 drift", "invalid command: drift: needs an argument: PPM\n");
-    expectError("2 fault nonsense", "invalid command: fault nonsense: unknown fault 'nonsense'\n");
-    expectError("1 call off", "time 1 is earlier than the time before it, 1.5\n");
-    expectError("call off", "time 'call' must be a number of seconds from 0 to 86400\n");
-    expectError("2", "no command after the time\n");
+    for (const auto& [line, error] : std::initializer_list<std::pair<const char*, const char*>>{
+             {"2 nonsense", "invalid command: nonsense\n"},
+             {"2 network 10001\n3 nonsense",
+              "invalid command: network 10001: MS must be a whole number from 0 to 10000\n"},
+             {"2 drift", "invalid command: drift: needs an argument: PPM\n"},
+             {"2 fault nonsense", "invalid command: fault nonsense: unknown fault 'nonsense'\n"},
+             {"1 call off", "time 1 is earlier than the time before it, 1.5\n"},
+             {"call off", "time 'call' must be a number of seconds from 0 to 86400\n"},
+             {"2", "no command after the time\n"}}) {
+        expectError("--scenario", std::string("# Trouble\n\n1.5 drift -0.5\n") + line,
+                    std::string("4: ") + error);
+    }
+    const std::string columns = "time_s,audio_ms,depth_ms,picture_ms\n";
+    const std::string rows = columns + "0,70,13,119.7\n";
+    expectError("--network", columns, " it has no rows\n");
+    expectError("--network", "0,70,13,119.7\n",
+                "1: the header must be time_s,audio_ms,depth_ms,picture_ms\n");
+    for (const std::string line : {"0.1,70,13", "0.1,70,13,", "0.1,70,13,119,1", "0.1,70,13,119,",
+                                   "0.1,nan,13,119", "0.1, 70,13,119", ""}) {
+        expectError("--network", rows + line + "\n1,2,3,x\n",
+                    "3: '" + line + "' is not four numbers\n");
+    }
+    expectError("--network", rows + "0,70,13,119\n", "3: the time must be later");
+    expectError("--network", columns + "-1,70,13,119\n", "2: the time must be later");
+    expectError("--network", rows + "1,-1,13,119\n",
+                "3: latencies and depth must be from 0 to 10000 ms\n");
     EXPECT_FALSE(std::filesystem::exists(socket));
-    expectFailure(AZUBSIM, "engine --scenario " + file + "/x" + at, 1,
-                  "azubsim: " + file + "/x: Not a directory\n");
 }
 
 TEST_F(Scenario, AnEngineThatGoesAwayAgainAtTheMomentOfItsReturnComesBackOnce) {
