@@ -73,8 +73,8 @@ TEST_F(Scenario, MistakesInFilesAreNamedWithTheirLine) {
               "invalid command: network 10001: MS must be a whole number from 0 to 10000\n"},
              {"2 drift", "invalid command: drift: needs an argument: PPM\n"},
              {"2 fault nonsense", "invalid command: fault nonsense: unknown fault 'nonsense'\n"},
-             {"1 call off", "time 1 is earlier than the time before it, 1.5\n"},
-             {"call off", "time 'call' must be a number of seconds from 0 to 86400\n"},
+             {"1 call off", "'1' is not a time from 1.5 to 86400 seconds\n"},
+             {"call off", "'call' is not a time from 1.5 to 86400 seconds\n"},
              {"2", "no command after the time\n"}}) {
         expectError("--scenario", std::string("# Trouble\n\n1.5 drift -0.5\n") + line,
                     std::string("4: ") + error);

@@ -8,39 +8,30 @@
 
 namespace azubsim {
 
-namespace {
-
 using tools::Error;
 using tools::formatNumber;
-
-constexpr double longestSeconds = 86400;
-
-} // namespace
 
 Scenario::Scenario(asio::io_context& io, const std::string& file, const Commands& commands,
                    Screen& screen)
     : _name(tools::printable(file.substr(file.rfind('/') + 1))), _screen(screen), _timer(io) {
-    tools::readLines(file, [&](const std::string& line) { add(line, commands); });
+    tools::readLines(file, [&](const std::string& line) { add(tools::Words(line), commands); });
 }
 
-void Scenario::add(const std::string& line, const Commands& commands) {
-    const tools::Words words(line);
-    if (words.first.empty() || words.first[0] == '#') {
+void Scenario::add(const tools::Words& line, const Commands& commands) {
+    if (line.first.empty() || line.first[0] == '#') {
         return;
     }
-    const double seconds = tools::parseNumber(words.first).value_or(-1);
-    if (seconds < 0 || seconds > longestSeconds) {
-        throw Error("time '" + words.first + "' must be a number of seconds from 0 to " +
-                    formatNumber(longestSeconds));
+    const double earliest = _steps.empty() ? 0 : _steps.back().seconds;
+    constexpr double latest = 86400;
+    const double seconds = tools::parseNumber(line.first).value_or(-1);
+    if (seconds < earliest || seconds > latest) {
+        throw Error("'" + line.first + "' is not a time from " + formatNumber(earliest) + " to " +
+                    formatNumber(latest) + " seconds");
     }
-    if (!_steps.empty() && seconds < _steps.back().seconds) {
-        throw Error("time " + words.first + " is earlier than the time before it, " +
-                    formatNumber(_steps.back().seconds));
-    }
-    if (words.rest.empty()) {
+    if (line.rest.empty()) {
         throw Error("no command after the time");
     }
-    _steps.push_back({seconds, words.rest, commands.parse(words.rest)});
+    _steps.push_back({seconds, line.rest, commands.parse(line.rest)});
 }
 
 void Scenario::start() {
@@ -56,13 +47,12 @@ void Scenario::waitForStep() {
     const std::chrono::duration<double> time(_steps[_done].seconds);
     _timer.expires_at(_start + std::chrono::duration_cast<asio::steady_timer::duration>(time));
     _timer.async_wait([this](const asio::error_code& error) {
-        if (error) {
-            return;
+        if (!error) {
+            const Step& step = _steps[_done++];
+            _screen.sayLines("scenario " + formatNumber(step.seconds) +
+                             " s: " + tools::printable(step.text) + " -> " + step.action());
+            waitForStep();
         }
-        const Step& step = _steps[_done++];
-        _screen.sayLines("scenario " + formatNumber(step.seconds) +
-                         " s: " + tools::printable(step.text) + " -> " + step.action());
-        waitForStep();
     });
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tools/azubsim/control/Commands.h"
+#include "tools/common/Lines.h"
 
 namespace azubsim {
 
@@ -33,7 +34,7 @@ private:
         Commands::Action action;
     };
 
-    void add(const std::string& line, const Commands& commands);
+    void add(const tools::Words& line, const Commands& commands);
     void waitForStep();
 
     std::string _name; ///< Of the file, without its folder, and printable.
