@@ -74,10 +74,8 @@ std::shared_ptr<Connection> Tap::serve(Socket& socket, int client) {
 
 void Tap::reportRing() {
     if (!std::exchange(_hasCutRing, true)) {
-        _shared.reports.screen().warn(
-            "the engine at " + _path +
-            " leads back to this tap, or through too many taps; such clients "
-            "are disconnected");
+        _shared.reports.screen().warn("the engine at " + _path +
+                                      " leads back to this tap; such clients are disconnected");
     }
 }
 
