@@ -10,6 +10,7 @@
 
 #include "tests/tools/Exchanges.h"
 #include "tools/azubsim/engine/Simulator.h"
+#include "tools/azubsim/protocol/Description.h"
 #include "tools/azubsim/protocol/Names.h"
 #include "tools/azubsim/report/Line.h"
 #include "tools/azubsim/report/Trace.h"

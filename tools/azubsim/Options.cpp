@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include "tools/azubsim/Program.h"
+#include "tools/azubsim/protocol/Names.h"
 #include "tools/common/CommandLine.h"
 
 namespace azubsim {
@@ -44,7 +45,7 @@ CLI::Option* addPath(CLI::App& app, const char* name, std::string& path, const c
 
 // An option that is carried out as the command of the same name at the start.
 void addCommand(CLI::App& app, Options& options, const std::string& name, const char* placeholder,
-                const char* description, const std::string& whenRepeated = "") {
+                const std::string& description, const std::string& whenRepeated = "") {
     const auto add = [=, &options](const std::vector<std::string>& values) {
         std::string command = name;
         for (const std::string& value : values) {
@@ -74,8 +75,11 @@ void addFaultsAndRecord(CLI::App& app, Options& options) {
                "Choose at random which answers get which fault; the same\n"
                "seed repeats the choices");
     addCommand(app, options, "only", "TARGET",
-               "Spoil only the answers to this command, GetAudioTs or\n"
-               "SetAudioDelay, or to this client, for example 'client 3'");
+               "Spoil only the answers to a command,
+" +
+                   names::joined(names::commands, " or ") +
+                   ", or to a
+client, for example 'client 3'");
     addPath(app, "--record", options.recordFile, "FILE",
             "Write each exchange to this new file, to show, trace or\n"
             "replay it");
