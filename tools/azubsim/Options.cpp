@@ -75,11 +75,8 @@ void addFaultsAndRecord(CLI::App& app, Options& options) {
                "Choose at random which answers get which fault; the same\n"
                "seed repeats the choices");
     addCommand(app, options, "only", "TARGET",
-               "Spoil only the answers to a command,
-" +
-                   names::joined(names::commands, " or ") +
-                   ", or to a
-client, for example 'client 3'");
+               "Spoil only the answers to a command,\n" + names::joined(names::commands, " or ") +
+                   ", or to a\nclient, for example 'client 3'");
     addPath(app, "--record", options.recordFile, "FILE",
             "Write each exchange to this new file, to show, trace or\n"
             "replay it");
