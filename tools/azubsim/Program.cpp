@@ -128,7 +128,7 @@ void Program::listen() {
     if (!_options.recordFile.empty()) {
         _reports.recorder.emplace(_options.recordFile);
     }
-    _screen.say("azubsim: listening at " + _options.socket);
+    _screen.say("azubsim: listening at " + tools::printable(_options.socket));
 }
 
 std::shared_ptr<Connection> Program::serve(Socket& socket, int client) {
@@ -164,7 +164,7 @@ void Program::execute(const std::string& line) {
         return;
     }
     try {
-        _screen.sayLines(_commands.parse(line)());
+        _screen.say(_commands.parse(line)());
     } catch (const Error& e) {
         _screen.say(std::string(e.what()) + " (try help)");
     }
@@ -188,7 +188,7 @@ void Program::comeBack() {
     }
     try {
         _server.listen();
-        _screen.say("azubsim: listening at " + _options.socket + " again");
+        _screen.say("azubsim: listening at " + tools::printable(_options.socket) + " again");
     } catch (const Error& e) {
         fail(e.what());
     }

@@ -14,17 +14,17 @@ namespace {
 
 using tools::Error;
 using tools::formatNumber;
+using tools::require;
 
 double parseNumber(const std::string& text, const std::string& placeholder,
                    const Commands::Range& range, const std::string& word) {
     const auto number = tools::parseNumber(text);
-    if (number && *number >= range.smallest && *number <= range.largest &&
-        (!range.isWhole || text.find('.') == std::string::npos)) {
-        return *number;
-    }
-    throw Error(placeholder + " must be a " + (range.isWhole ? "whole number" : "number") +
-                " from " + formatNumber(range.smallest) + " to " + formatNumber(range.largest) +
+    require(number && *number >= range.smallest && *number <= range.largest &&
+                (!range.isWhole || text.find('.') == std::string::npos),
+            placeholder + " must be a " + (range.isWhole ? "whole number" : "number") + " from " +
+                formatNumber(range.smallest) + " to " + formatNumber(range.largest) +
                 (word.empty() ? "" : " or " + word));
+    return *number;
 }
 
 } // namespace
@@ -60,9 +60,7 @@ void Commands::addText(const std::string& name, const std::string& argument,
 void Commands::addOnOff(const std::string& name, const std::string& effect,
                         const std::function<void(bool)>& set) {
     addText(name, "on|off", effect, [set](const std::string& word) {
-        if (word != "on" && word != "off") {
-            throw Error("must be on or off");
-        }
+        require(word == "on" || word == "off", "must be on or off");
         return [=] { set(word == "on"); };
     });
 }
@@ -92,14 +90,11 @@ Commands::Action Commands::parse(const std::string& line) const {
     const auto command =
         std::find_if(_commands.begin(), _commands.end(),
                      [&](const Command& candidate) { return words.first == candidate.name; });
-    if (command == _commands.end()) {
-        throw Error(invalid);
-    }
+    require(command != _commands.end(), invalid);
     try {
-        if (words.rest.empty() != command->argument.empty()) {
-            throw Error(words.rest.empty() ? "needs an argument: " + command->argument
-                                           : "takes no argument");
-        }
+        require(
+            words.rest.empty() == command->argument.empty(),
+            words.rest.empty() ? "needs an argument: " + command->argument : "takes no argument");
         return command->parse(words.rest);
     } catch (const Error& e) {
         throw Error(invalid + ": " + e.what());

@@ -8,8 +8,8 @@
 
 namespace azubsim {
 
-using tools::Error;
 using tools::formatNumber;
+using tools::require;
 
 Scenario::Scenario(asio::io_context& io, const std::string& file, const Commands& commands,
                    Screen& screen)
@@ -24,13 +24,10 @@ void Scenario::add(const tools::Words& line, const Commands& commands) {
     const double earliest = _steps.empty() ? 0 : _steps.back().seconds;
     constexpr double latest = 86400;
     const double seconds = tools::parseNumber(line.first).value_or(-1);
-    if (seconds < earliest || seconds > latest) {
-        throw Error("'" + line.first + "' is not a time from " + formatNumber(earliest) + " to " +
-                    formatNumber(latest) + " seconds");
-    }
-    if (line.rest.empty()) {
-        throw Error("no command after the time");
-    }
+    require(seconds >= earliest && seconds <= latest, "'" + line.first + "' is not a time from " +
+                                                          formatNumber(earliest) + " to " +
+                                                          formatNumber(latest) + " seconds");
+    require(!line.rest.empty(), "no command after the time");
     _steps.push_back({seconds, line.rest, commands.parse(line.rest)});
 }
 
@@ -49,8 +46,8 @@ void Scenario::waitForStep() {
     _timer.async_wait([this](const asio::error_code& error) {
         if (!error) {
             const Step& step = _steps[_done++];
-            _screen.sayLines("scenario " + formatNumber(step.seconds) +
-                             " s: " + tools::printable(step.text) + " -> " + step.action());
+            _screen.say("scenario " + formatNumber(step.seconds) +
+                        " s: " + tools::printable(step.text) + " -> " + step.action());
             waitForStep();
         }
     });

@@ -4,7 +4,7 @@
 #include <iostream>
 #include <thread>
 
-#include "tools/azubsim/net/Address.h"
+#include "tools/azubsim/net/Connection.h"
 #include "tools/azubsim/protocol/Exchange.h"
 #include "tools/common/Error.h"
 #include "tools/common/Printable.h"

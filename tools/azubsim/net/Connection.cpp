@@ -1,10 +1,39 @@
 #include "tools/azubsim/net/Connection.h"
 
-#include <asio/buffer.hpp>
-#include <asio/error.hpp>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <asio/write.hpp>
+#include <cerrno>
 #include <utility>
 
+#include "tools/common/Error.h"
+
 namespace azubsim {
+
+Address toAddress(const std::string& path) {
+    constexpr std::size_t maxSize = sizeof(sockaddr_un::sun_path) - 1;
+    tools::require(!path.empty() && path.size() <= maxSize,
+                   "a socket path must have 1 to " + std::to_string(maxSize) + " bytes");
+    return {path};
+}
+
+asio::error_code connectAtOnce(Socket& socket, const Address& address, const std::string& name) {
+    asio::error_code error;
+    socket.open(address.protocol(), error);
+    if (!error && !name.empty()) {
+        asio::error_code ignored;
+        socket.bind(Address(name), ignored);
+    }
+    if (!error) {
+        socket.non_blocking(true, error);
+    }
+    if (!error && ::connect(socket.native_handle(), address.data(),
+                            static_cast<socklen_t>(address.size())) != 0) {
+        error.assign(errno, asio::system_category());
+    }
+    return error;
+}
 
 Connection::Connection(Socket socket)
     : _socket(std::move(socket)), _timer(_socket.get_executor()), _chunk() {}
@@ -114,29 +143,24 @@ void Connection::write() {
 }
 
 void Connection::writeFirstPiece() {
-    _socket.async_send(
-        asio::buffer(_pieces.front().bytes) + _written,
-        [self = shared_from_this()](const asio::error_code& error, std::size_t size) {
-            if (self->_socket.is_open()) {
-                self->written(error, size);
-            }
-        });
+    asio::async_write(_socket, asio::buffer(_pieces.front().bytes),
+                      [self = shared_from_this()](const asio::error_code& error, std::size_t) {
+                          if (self->_socket.is_open()) {
+                              self->written(error);
+                          }
+                      });
 }
 
-void Connection::written(const asio::error_code& error, std::size_t size) {
+void Connection::written(const asio::error_code& error) {
     const auto handlers = _handlers;
     _isWriting = false;
-    _written += size;
-    _unsent -= size;
+    _unsent -= _pieces.front().bytes.size();
+    _pieces.pop_front();
     if (error) {
         // The far end takes no more bytes, but what it has sent may not be read yet.
         _endsSending = true;
         _pieces.clear();
-        _written = 0;
         _unsent = 0;
-    } else if (_written == _pieces.front().bytes.size()) {
-        _pieces.pop_front();
-        _written = 0;
     }
     if (_pieces.empty()) {
         handlers->drained();

@@ -1,17 +1,30 @@
 #pragma once
 
 #include <array>
+#include <asio/local/stream_protocol.hpp>
 #include <asio/steady_timer.hpp>
 #include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
-#include "tools/azubsim/net/Address.h"
 #include "tools/azubsim/protocol/Exchange.h"
 
 namespace azubsim {
+
+using Address = asio::local::stream_protocol::endpoint;
+using Socket = asio::local::stream_protocol::socket;
+
+/// The address of a socket path. Throws a `tools::Error` if the path is empty or too long.
+Address toAddress(const std::string& path);
+
+/// Connects a socket without blocking. Fails with EAGAIN if the queue of an engine that does not
+/// accept is full, which Asio's own function would report as a success. If `name` is not empty, the
+/// other side sees it as the address of this side.
+asio::error_code connectAtOnce(Socket& socket, const Address& address,
+                               const std::string& name = "");
 
 /// A connected socket that reads and writes in the background.
 class Connection : public std::enable_shared_from_this<Connection> {
@@ -61,14 +74,13 @@ private:
     void waitForHangUp();
     void write();
     void writeFirstPiece();
-    void written(const asio::error_code& error, std::size_t size);
+    void written(const asio::error_code& error);
 
     Socket _socket;
     asio::steady_timer _timer;
     std::shared_ptr<const Handlers> _handlers; ///< Null when closed.
     std::array<char, 16384> _chunk;
     std::deque<Reply::Piece> _pieces;
-    std::size_t _written = 0; ///< Bytes of the first piece.
     std::size_t _unsent = 0;
     bool _isReading = false;
     bool _isPaused = false;

@@ -11,6 +11,7 @@ namespace azubsim {
 namespace {
 
 using tools::Error;
+using tools::require;
 
 // Before the next attempt to serve a client that has to wait, or to accept one, which fails for
 // example when the process is out of descriptors.
@@ -53,17 +54,11 @@ void Server::removeStaleSocket() {
     if (lstat(_path.c_str(), &status) != 0) {
         return;
     }
-    if (!S_ISSOCK(status.st_mode)) {
-        throw Error("it exists and is not a socket");
-    }
+    require(S_ISSOCK(status.st_mode), "it exists and is not a socket");
     Socket socket(_acceptor.get_executor());
     const asio::error_code error = connectAtOnce(socket, toAddress(_path));
-    if (!error || error == asio::error::try_again) {
-        throw Error("an engine is already listening there");
-    }
-    if (error != asio::error::connection_refused) {
-        throw Error(error.message());
-    }
+    require(error && error != asio::error::try_again, "an engine is already listening there");
+    require(error == asio::error::connection_refused, error.message());
     unlink(_path.c_str());
 }
 

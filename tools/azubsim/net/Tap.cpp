@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tools/common/Error.h"
+#include "tools/common/Printable.h"
 
 namespace azubsim {
 
@@ -88,7 +89,8 @@ void Tap::reportConnectState(const asio::error_code& error) {
                                       error.message() +
                                       "; clients are disconnected until it is back");
     } else {
-        _shared.reports.screen().say("azubsim: connected to the engine at " + _path);
+        _shared.reports.screen().say("azubsim: connected to the engine at " +
+                                     tools::printable(_path));
     }
     _lastError = error;
 }

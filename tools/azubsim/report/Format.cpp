@@ -14,7 +14,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 using std::chrono::microseconds;
-using tools::Error;
+using tools::require;
 
 const std::string headerStart = R"({"format":"azubsim recording","version":2)";
 constexpr double maxWaitMs = 3600000;
@@ -40,12 +40,11 @@ std::string toBytes(const std::string& text) {
         const auto first = static_cast<unsigned char>(text[i]);
         if (first < 0x80) {
             bytes += text[i];
-        } else if (first <= 0xC3) {
+        } else {
+            require(first <= 0xC3, "bytes has a character above U+00FF");
             // Valid UTF-8 has a second byte here, and the parser has checked that.
             const auto second = static_cast<unsigned char>(text[++i]);
             bytes += static_cast<char>(((first & 0x03) << 6) | (second & 0x3F));
-        } else {
-            throw Error("bytes has a character above U+00FF");
         }
     }
     return bytes;
@@ -57,9 +56,7 @@ double toMs(microseconds time) {
 
 microseconds waitOf(const Json& object, const char* key) {
     const double ms = object.at(key).get<double>();
-    if (ms < 0 || ms > maxWaitMs) {
-        throw Error(std::string(key) + " is not from 0 to 3600000");
-    }
+    require(ms >= 0 && ms <= maxWaitMs, std::string(key) + " is not from 0 to 3600000");
     return microseconds(std::llround(ms * 1000));
 }
 
@@ -69,18 +66,14 @@ std::string bytesOf(const Json& object, const char* key) {
 
 bool closes(const Json& object) {
     const std::string end = object.at("end").get<std::string>();
-    if (end != "open" && end != "close") {
-        throw Error("end is not open or close");
-    }
+    require(end == "open" || end == "close", "end is not open or close");
     return end == "close";
 }
 
 Exchange toExchange(const Json& object) {
     Exchange exchange;
     const double seconds = object.at("time").get<double>();
-    if (!(std::abs(seconds) < 1e11)) {
-        throw Error("time is out of range");
-    }
+    require(std::abs(seconds) < 1e11, "time is out of range");
     exchange.time = microseconds(std::llround(seconds * 1e6));
     exchange.client = object.at("client").get<int>();
     exchange.request = bytesOf(object, "request");
@@ -108,9 +101,8 @@ std::string header() {
 }
 
 void checkHeader(const std::string& line) {
-    if (line.compare(0, headerStart.size(), headerStart) != 0) {
-        throw Error("it is not the header of a recording of version 2");
-    }
+    require(line.compare(0, headerStart.size(), headerStart) == 0,
+            "it is not the header of a recording of version 2");
 }
 
 std::string write(const Exchange& exchange) {
@@ -142,7 +134,7 @@ Exchange read(const std::string& line) {
     try {
         return toExchange(Json::parse(line));
     } catch (const Json::exception& e) {
-        throw Error(e.what());
+        throw tools::Error(e.what());
     }
 }
 

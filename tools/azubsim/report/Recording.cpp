@@ -32,9 +32,7 @@ void Recorder::write(const std::string& line) {
 
 Recording::Recording(const std::string& path)
     : _path(path == "-" ? "/dev/stdin" : path), _file(_path) {
-    if (!_file) {
-        throw Error("cannot read " + _path + ": " + std::strerror(errno));
-    }
+    tools::require(_file.is_open(), "cannot read " + _path + ": " + std::strerror(errno));
 }
 
 std::optional<Exchange> Recording::next() {
@@ -57,9 +55,7 @@ bool Recording::readLine() {
     // After an end, more may have been written.
     _file.clear();
     std::getline(_file, more);
-    if (_file.bad()) {
-        throw Error(std::strerror(errno));
-    }
+    tools::require(!_file.bad(), std::strerror(errno));
     _line += more;
     const bool isWhole = _file.good();
     _lines += isWhole ? 1 : 0;

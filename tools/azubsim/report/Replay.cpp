@@ -14,9 +14,7 @@ Replay::Replay(const std::string& path, Rules rules, Tell tell)
     while (auto exchange = recording.next()) {
         add(std::move(*exchange));
     }
-    if (_answers.empty()) {
-        throw tools::Error("cannot replay " + path + ": it contains no exchanges");
-    }
+    tools::require(!_answers.empty(), "cannot replay " + path + ": it contains no exchanges");
     if (recording.isCut()) {
         _tell("the last line of " + path + " is unfinished and is left out");
     }

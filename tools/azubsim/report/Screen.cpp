@@ -46,11 +46,7 @@ Screen::~Screen() {
     ::close(_errors.descriptor);
 }
 
-void Screen::say(const std::string& line) {
-    print(_output, line);
-}
-
-void Screen::sayLines(const std::string& lines) {
+void Screen::say(const std::string& lines) {
     std::istringstream stream(lines);
     for (std::string line; std::getline(stream, line);) {
         print(_output, line);

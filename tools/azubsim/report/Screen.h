@@ -21,14 +21,12 @@ public:
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
 
-    /// Prints a line to standard output, with control characters made visible. On a terminal, a
-    /// line that is too long is broken between words.
-    void say(const std::string& line);
+    /// Prints one or more lines to standard output, with other control characters made visible. On
+    /// a terminal, a line that is too long is broken between words.
+    void say(const std::string& lines);
 
-    /// The same with several lines.
-    void sayLines(const std::string& lines);
-
-    /// The same with one line to standard error, and "azubsim: " before it.
+    /// Prints one line to standard error, with "azubsim: " before it and control characters made
+    /// visible.
     void warn(const std::string& line);
 
     /// Called once, if standard output cannot be written any more, with the reason.
