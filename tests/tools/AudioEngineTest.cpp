@@ -39,7 +39,7 @@ protected:
 };
 
 TEST_F(Engines, DriftWithoutJumps) {
-    engine.setNetwork(milliseconds(80));
+    engine.setNetworkMs(80);
     engine.setDriftPpm(-250.5, start);
     expectTravel(80, start);
     const auto later = start + seconds(1000) + milliseconds(13);
@@ -50,18 +50,14 @@ TEST_F(Engines, DriftWithoutJumps) {
     engine.setOffsetMs(-5, later + seconds(2));
     expectTravel(80 + 5, later + seconds(2));
     expectTravel(80 + 5 - 100, later + seconds(3));
-    // A timestamp does not wrap below zero.
-    const Time in1900{-seconds(2208988800)};
-    engine.setOffsetMs(-1000, in1900);
-    EXPECT_EQ(at(in1900).capture, 0U);
 }
 
 TEST_F(Engines, StandStillWhileTheyAreFrozen) {
-    engine.setJitter(milliseconds(0));
+    engine.setJitterMs(0);
     engine.freeze(start);
     const Timestamps frozen = at(start);
     engine.setMargin(100, start);
-    engine.setNetwork(milliseconds(500));
+    engine.setNetworkMs(500);
     engine.freeze(start + seconds(1));
     const Timestamps later = at(start + seconds(2));
     EXPECT_EQ(later.capture, frozen.capture);
@@ -73,7 +69,7 @@ TEST_F(Engines, StandStillWhileTheyAreFrozen) {
 }
 
 TEST_F(Engines, ApplyAMarginAtTheRateOfTheSlew) {
-    engine.setJitter(milliseconds(0));
+    engine.setJitterMs(0);
     engine.setSlew(20, start);
     engine.setMargin(60, start);
     expectWait(10, start);

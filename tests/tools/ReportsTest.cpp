@@ -92,7 +92,7 @@ TEST(Simulator, AnswersEveryCommand) {
     const auto verdict = [&](const std::string& command) {
         Exchange exchange;
         exchange.request = frame('<' + command + "_Request>40</" + command + "_Request>");
-        Simulator(engine, faults).answer(exchange);
+        simulate(engine, faults, exchange);
         return describe(exchange).verdict;
     };
     for (const char* const command : names::commands) {

@@ -6,6 +6,7 @@
 #include "tools/azubsim/control/Input.h"
 #include "tools/azubsim/control/Settings.h"
 #include "tools/azubsim/control/Tell.h"
+#include "tools/azubsim/engine/Simulator.h"
 #include "tools/azubsim/net/Responder.h"
 #include "tools/common/Error.h"
 #include "tools/common/Printable.h"
@@ -18,7 +19,6 @@ using Mode = Options::Mode;
 Program::Program(const Options& options)
     : _options(options),
       _reports(_screen),
-      _simulator(_engine, _faults),
       _server(_io, options.socket,
               [this](Socket& socket, int client) { return serve(socket, client); }),
       _control(_io, controlPath(options.socket),
@@ -144,7 +144,7 @@ void Program::answer(Exchange& exchange) {
     if (_replay) {
         exchange.reply = _replay->next(exchange.request);
     } else {
-        _simulator.answer(exchange);
+        simulate(_engine, _faults, exchange);
     }
     _reports.add(exchange);
 }

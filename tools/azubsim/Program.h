@@ -11,7 +11,8 @@
 #include "tools/azubsim/Options.h"
 #include "tools/azubsim/control/Commands.h"
 #include "tools/azubsim/control/Scenario.h"
-#include "tools/azubsim/engine/Simulator.h"
+#include "tools/azubsim/engine/AudioEngine.h"
+#include "tools/azubsim/engine/FaultPlan.h"
 #include "tools/azubsim/net/Server.h"
 #include "tools/azubsim/net/Tap.h"
 #include "tools/azubsim/report/Reports.h"
@@ -50,7 +51,6 @@ private:
     AudioEngine _engine;
     FaultPlan _faults;
     Reports _reports;
-    Simulator _simulator;
     std::optional<Replay> _replay;
     std::optional<Tap> _tap;
     Server _server;

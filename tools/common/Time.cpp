@@ -1,6 +1,5 @@
 #include "tools/common/Time.h"
 
-#include <algorithm>
 #include <ctime>
 
 #include "tools/common/Number.h"
@@ -12,7 +11,6 @@ namespace {
 
 using std::chrono::duration_cast;
 using std::chrono::microseconds;
-using std::chrono::nanoseconds;
 using std::chrono::seconds;
 
 constexpr seconds from1900To1970(2208988800);
@@ -36,13 +34,6 @@ Time fromNtp(std::uint64_t ntp) {
     constexpr std::uint64_t half = 1ULL << 31;
     const std::uint64_t fraction = ((ntp & 0xFFFFFFFF) * 1000000 + half) >> 32;
     return seconds(ntp >> 32) - from1900To1970 + microseconds(fraction);
-}
-
-std::uint64_t toNtp(nanoseconds time) {
-    const nanoseconds since1900 = std::max<nanoseconds>(time + from1900To1970, nanoseconds(0));
-    const auto whole = duration_cast<seconds>(since1900);
-    const auto fraction = static_cast<std::uint64_t>((since1900 - whole).count());
-    return (static_cast<std::uint64_t>(whole.count()) << 32) + (fraction << 32) / 1000000000;
 }
 
 double msBetween(std::uint64_t start, std::uint64_t end) {

@@ -14,10 +14,6 @@ Time now();
 /// The time of an NTP timestamp in 32.32 fixed point.
 Time fromNtp(std::uint64_t ntp);
 
-/// The NTP timestamp of a time since 1970. A time before 1900 becomes 0, because an unsigned
-/// timestamp would wrap.
-std::uint64_t toNtp(std::chrono::nanoseconds time);
-
 /// From one NTP timestamp to another in ms, rounded to microseconds; negative if `end` is earlier.
 double msBetween(std::uint64_t start, std::uint64_t end);
 

@@ -16,29 +16,24 @@ using tools::formatNumber;
 constexpr double largestOffsetMs = 86400000;
 constexpr double largestDelayMs = 10000;
 
-AudioEngine::Ms toMs(double number) {
-    return AudioEngine::Ms(static_cast<AudioEngine::Ms::rep>(number));
-}
-
 std::string onOff(bool isOn) {
     return isOn ? "on\n" : "off\n";
 }
 
 std::string status(const AudioEngine& engine) {
-    const auto jitter = engine.jitter();
-    std::string text = "margin " + std::to_string(engine.margin().count()) + " ms\ncall " +
-                       onOff(engine.isInCall());
-    if (engine.isFollowing()) {
-        text += "network from a file\n";
-    } else {
-        text += "network " + std::to_string(engine.network().count()) + " ms\njitter " +
-                (jitter ? std::to_string(jitter->count()) + " ms" : "auto") + '\n';
-    }
+    const auto line = [](const char* name, double number, const char* unit) {
+        return std::string(name) + ' ' + formatNumber(number) + unit + '\n';
+    };
+    const auto jitterMs = engine.jitterMs();
+    const std::string network =
+        engine.isFollowing() ? "network from a file\n"
+                             : line("network", engine.networkMs(), " ms") +
+                                   (jitterMs ? line("jitter", *jitterMs, " ms") : "jitter auto\n");
     // A drift makes the offset any number. One decimal is enough, and the sum turns -0 into 0.
     const double offset = std::round(engine.offsetMs(Clock::now()) * 10) / 10 + 0.0;
-    return text + "slew " + formatNumber(engine.slew()) + " ms/s\noffset " + formatNumber(offset) +
-           " ms\ndrift " + formatNumber(engine.driftPpm()) + " ppm\nfreeze " +
-           onOff(engine.isFrozen());
+    return line("margin", engine.marginMs(), " ms") + "call " + onOff(engine.isInCall()) + network +
+           line("slew", engine.slew(), " ms/s") + line("offset", offset, " ms") +
+           line("drift", engine.driftPpm(), " ppm") + "freeze " + onOff(engine.isFrozen());
 }
 
 } // namespace
@@ -48,11 +43,10 @@ void addEngineCommands(Commands& commands, AudioEngine& engine) {
                       [&](bool isOn) { engine.setInCall(isOn); });
     commands.addNumber("network", "MS", "set the network's delay; like jitter, ends --network",
                        {0, largestDelayMs, " ms"},
-                       [&](auto number) { engine.setNetwork(toMs(*number)); });
+                       [&](auto number) { engine.setNetworkMs(*number); });
     commands.addNumber("jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary",
-                       {0, largestDelayMs, " ms"}, [&](auto number) {
-                           engine.setJitter(number ? std::optional(toMs(*number)) : std::nullopt);
-                       });
+                       {0, largestDelayMs, " ms"},
+                       [&](auto number) { engine.setJitterMs(number); });
     commands.addNumber("slew", "MS_PER_S", "apply a new margin at this rate; 0, at once",
                        {0, 10000, " ms/s", false},
                        [&](auto number) { engine.setSlew(*number, Clock::now()); });

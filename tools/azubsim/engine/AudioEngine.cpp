@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/common/Time.h"
+#include "avsync/Ntp.h"
 
 namespace azubsim {
 
 namespace {
+
+using velta::zub::avsync::ntpAddMs;
+using velta::zub::avsync::ntpFrom;
 
 constexpr std::chrono::milliseconds packetLength{20};
 constexpr double playoutDelayMs = 10;
@@ -60,13 +63,9 @@ Timestamps AudioEngine::measure(Time now) const {
     const Network::Row network = networkAt(received);
     // The packet arrives when it has been captured, whatever a recorded network says.
     const double waitMs = std::min(network.depthMs + playoutDelayMs, network.audioMs);
-    const auto shifted = [received](double ms) {
-        const std::chrono::duration<double, std::milli> shift(ms);
-        return tools::toNtp(received.time_since_epoch() +
-                            std::chrono::duration_cast<Clock::duration>(shift));
-    };
-    return {shifted(offsetMs(now) - (network.audioMs - waitMs)),
-            shifted(waitMs + appliedMarginMs(now)), shifted(0),
+    const std::uint64_t arrival = ntpFrom(received);
+    return {ntpAddMs(arrival, offsetMs(now) - (network.audioMs - waitMs)),
+            ntpAddMs(arrival, waitMs + appliedMarginMs(now)), arrival,
             static_cast<std::uint64_t>(std::llround(network.depthMs))};
 }
 
@@ -75,25 +74,24 @@ Network::Row AudioEngine::networkAt(Time received) const {
         const Time start = _networkStart.value_or(received);
         return _recorded->at(secondsBetween(start, received));
     }
-    const double depth = _jitter ? static_cast<double>(_jitter->count()) : waveMs(received);
-    return {0, static_cast<double>(_network.count()) + depth + playoutDelayMs, depth, 0};
+    const double depth = _jitterMs.value_or(waveMs(received));
+    return {0, _networkMs + depth + playoutDelayMs, depth, 0};
 }
 
-void AudioEngine::setNetwork(Ms delay) {
-    _network = delay;
+void AudioEngine::setNetworkMs(double delay) {
+    _networkMs = delay;
     _recorded.reset();
 }
 
-void AudioEngine::setJitter(std::optional<Ms> depth) {
-    _jitter = depth;
+void AudioEngine::setJitterMs(std::optional<double> depth) {
+    _jitterMs = depth;
     _recorded.reset();
 }
 
 double AudioEngine::appliedMarginMs(Time now) const {
-    const auto margin = static_cast<double>(_margin.count());
     // A clock that is set back would make this negative.
     const double most = std::max(_slew * secondsBetween(_marginSet, lastPacket(now)), 0.0);
-    return _slew > 0 ? _appliedMs + std::clamp(margin - _appliedMs, -most, most) : margin;
+    return _slew > 0 ? _appliedMs + std::clamp(_marginMs - _appliedMs, -most, most) : _marginMs;
 }
 
 Verdict AudioEngine::setMargin(std::uint64_t marginMs, Time now) {
@@ -106,7 +104,7 @@ Verdict AudioEngine::setMargin(std::uint64_t marginMs, Time now) {
         return {1002, "margin must be a multiple of 20 up to 100"};
     }
     setSlew(_slew, now);
-    _margin = Ms(marginMs);
+    _marginMs = static_cast<double>(marginMs);
     return {};
 }
 
@@ -118,7 +116,7 @@ void AudioEngine::setSlew(double msPerSecond, Time now) {
 }
 
 void AudioEngine::resetMargin() {
-    _margin = Ms(0);
+    _marginMs = 0;
     _appliedMs = 0;
 }
 

@@ -18,24 +18,23 @@ class AudioEngine {
 public:
     using Clock = std::chrono::system_clock;
     using Time = Clock::time_point;
-    using Ms = std::chrono::milliseconds;
 
     bool isInCall() const { return _inCall; }
     void setInCall(bool inCall) { _inCall = inCall; }
 
-    /// Follows a recorded network, which must have rows, until `setNetwork` or `setJitter`. Its
+    /// Follows a recorded network, which must have rows, until `setNetworkMs` or `setJitterMs`. Its
     /// time begins with the first `startNetwork`.
     void follow(Network network) { _recorded = std::move(network); }
     void startNetwork(Time now) { _networkStart = _networkStart.value_or(now); }
     bool isFollowing() const { return _recorded.has_value(); }
 
     /// The one-way delay from the far end to here.
-    Ms network() const { return _network; }
-    void setNetwork(Ms delay);
+    double networkMs() const { return _networkMs; }
+    void setNetworkMs(double delay);
 
     /// The depth of the jitter buffer. Without a value it varies between 20 and 120 ms.
-    std::optional<Ms> jitter() const { return _jitter; }
-    void setJitter(std::optional<Ms> depth);
+    std::optional<double> jitterMs() const { return _jitterMs; }
+    void setJitterMs(std::optional<double> depth);
 
     /// How far the far end's clock, which gives the capture timestamps, is ahead at this time, in
     /// ms. Setting it discards what a drift has added; the drift continues from the new offset.
@@ -58,7 +57,7 @@ public:
 
     /// Accepts multiples of 20 ms up to 100 ms.
     Verdict setMargin(std::uint64_t marginMs, Time now);
-    Ms margin() const { return _margin; }
+    double marginMs() const { return _marginMs; }
 
     /// How fast a new margin is applied, in ms per second; 0 means at once.
     double slew() const { return _slew; }
@@ -73,12 +72,12 @@ private:
     double appliedMarginMs(Time now) const;
 
     bool _inCall = true;
-    Ms _margin{0};
+    double _marginMs = 0;
     double _slew = 0;
     double _appliedMs = 0; ///< Of the margin, at `_marginSet`.
     Time _marginSet;
-    Ms _network{60};
-    std::optional<Ms> _jitter;
+    double _networkMs = 60;
+    std::optional<double> _jitterMs;
     std::optional<Network> _recorded;
     std::optional<Time> _networkStart;
     double _offsetMs = 0; ///< At `_offsetSet`.
