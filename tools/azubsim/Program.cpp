@@ -13,6 +13,13 @@
 
 namespace azubsim {
 
+namespace {
+
+// A tap has two descriptors for each of them, and the usual limit is 1024.
+constexpr std::size_t maxClients = 400;
+
+} // namespace
+
 using tools::Error;
 using Mode = Options::Mode;
 
@@ -132,6 +139,16 @@ void Program::listen() {
 }
 
 std::shared_ptr<Connection> Program::serve(Socket& socket, int client) {
+    // Taps in a ring would pass each client round until there are no descriptors.
+    if (_server.connected() >= maxClients) {
+        if (!std::exchange(_isFull, true)) {
+            _screen.warn("there are " + std::to_string(maxClients) +
+                         " clients, so further ones are disconnected" +
+                         (_tap ? "; does the engine's path lead back to this tap?" : ""));
+        }
+        socket.close();
+        return nullptr;
+    }
     if (_tap) {
         return _tap->serve(socket, client);
     }

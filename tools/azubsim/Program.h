@@ -59,6 +59,7 @@ private:
     asio::steady_timer _downTimer;
     Commands _commands;
     std::optional<Scenario> _scenario;
+    bool _isFull = false; ///< There were too many clients.
     std::string _failure; ///< Why the program has to end.
 };
 

@@ -18,13 +18,9 @@ Address toAddress(const std::string& path) {
     return {path};
 }
 
-asio::error_code connectAtOnce(Socket& socket, const Address& address, const std::string& name) {
+asio::error_code connectAtOnce(Socket& socket, const Address& address) {
     asio::error_code error;
     socket.open(address.protocol(), error);
-    if (!error && !name.empty()) {
-        asio::error_code ignored;
-        socket.bind(Address(name), ignored);
-    }
     if (!error) {
         socket.non_blocking(true, error);
     }

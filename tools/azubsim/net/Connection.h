@@ -21,10 +21,8 @@ using Socket = asio::local::stream_protocol::socket;
 Address toAddress(const std::string& path);
 
 /// Connects a socket without blocking. Fails with EAGAIN if the queue of an engine that does not
-/// accept is full, which Asio's own function would report as a success. If `name` is not empty, the
-/// other side sees it as the address of this side.
-asio::error_code connectAtOnce(Socket& socket, const Address& address,
-                               const std::string& name = "");
+/// accept is full, which Asio's own function would report as a success.
+asio::error_code connectAtOnce(Socket& socket, const Address& address);
 
 /// A connected socket that reads and writes in the background.
 class Connection : public std::enable_shared_from_this<Connection> {

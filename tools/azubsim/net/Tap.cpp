@@ -1,7 +1,6 @@
 #include "tools/azubsim/net/Tap.h"
 
 #include <poll.h>
-#include <unistd.h>
 
 #include <utility>
 
@@ -12,25 +11,12 @@ namespace azubsim {
 
 namespace {
 
-// Starts the name of a tap's side of a connection. The zero byte keeps it out of the file system.
-const std::string namePrefix("\0azubsim", 8);
-
 Address toEngineAddress(const std::string& path) {
     try {
         return toAddress(path);
     } catch (const tools::Error& e) {
         throw tools::Error("cannot connect to " + path + ": " + e.what());
     }
-}
-
-// The names of the taps through which a client comes: "/NAME/NAME/", or nothing.
-std::string tapsBefore(const Socket& socket) {
-    asio::error_code ignored;
-    const std::string name = socket.remote_endpoint(ignored).path();
-    if (name.compare(0, namePrefix.size(), namePrefix) != 0) {
-        return "";
-    }
-    return name.substr(namePrefix.size(), name.find('#') - namePrefix.size());
 }
 
 bool hasLeft(Socket& socket) {
@@ -41,23 +27,11 @@ bool hasLeft(Socket& socket) {
 } // namespace
 
 Tap::Tap(asio::io_context& io, std::string path, FaultPlan& faults, Reports& reports)
-    : _io(io),
-      _path(std::move(path)),
-      _address(toEngineAddress(_path)),
-      _shared{faults, reports},
-      _name('/' + std::to_string(getpid()) + '.') {}
+    : _io(io), _path(std::move(path)), _address(toEngineAddress(_path)), _shared{faults, reports} {}
 
 std::shared_ptr<Connection> Tap::serve(Socket& socket, int client) {
-    const std::string taps = tapsBefore(socket);
-    const std::string name = namePrefix + taps + _name;
-    if (taps.find(_name) != std::string::npos) {
-        reportRing();
-        socket.close();
-        return nullptr;
-    }
     Socket engine(_io);
-    const asio::error_code error =
-        connectAtOnce(engine, _address, name + '#' + std::to_string(client));
+    const asio::error_code error = connectAtOnce(engine, _address);
     if (error == asio::error::try_again) {
         if (hasLeft(socket)) {
             socket.close();
@@ -71,13 +45,6 @@ std::shared_ptr<Connection> Tap::serve(Socket& socket, int client) {
     }
     return std::make_shared<TapSession>(std::move(socket), std::move(engine), client, _shared)
         ->start();
-}
-
-void Tap::reportRing() {
-    if (!std::exchange(_hasCutRing, true)) {
-        _shared.reports.screen().warn("the engine at " + _path +
-                                      " leads back to this tap; such clients are disconnected");
-    }
 }
 
 void Tap::reportConnectState(const asio::error_code& error) {

@@ -9,9 +9,6 @@
 namespace azubsim {
 
 /// Stands between clients and an engine: each client gets a connection of its own to the engine.
-///
-/// A tap names itself and the taps before it as the address of its side of that connection, so that
-/// a tap that finds itself among them can cut the ring.
 class Tap {
 public:
     /// Throws a `tools::Error` if the engine's path cannot be an address.
@@ -24,14 +21,11 @@ public:
 private:
     /// Tells the user if connecting has started to fail or to succeed, or fails for another reason.
     void reportConnectState(const asio::error_code& error);
-    void reportRing();
 
     asio::io_context& _io;
     const std::string _path;
     const Address _address;
     TapSession::Shared _shared;
-    const std::string _name; ///< Differs from that of every other tap.
-    bool _hasCutRing = false;
     asio::error_code _lastError;
 };
 
