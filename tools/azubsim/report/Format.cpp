@@ -16,7 +16,7 @@ using Json = nlohmann::ordered_json;
 using std::chrono::microseconds;
 using tools::require;
 
-const std::string headerStart = R"({"format":"azubsim recording","version":2)";
+const std::string headerStart = R"({"format":"azubsim recording","version":3)";
 constexpr double maxWaitMs = 3600000;
 
 // Writes each byte as the character with the same number, in UTF-8.
@@ -64,12 +64,6 @@ std::string bytesOf(const Json& object, const char* key) {
     return toBytes(object.at(key).get<std::string>());
 }
 
-bool closes(const Json& object) {
-    const std::string end = object.at("end").get<std::string>();
-    require(end == "open" || end == "close", "end is not open or close");
-    return end == "close";
-}
-
 Exchange toExchange(const Json& object) {
     Exchange exchange;
     const double seconds = object.at("time").get<double>();
@@ -81,10 +75,10 @@ Exchange toExchange(const Json& object) {
     for (const Json& piece : object.at("answer")) {
         exchange.reply.pieces.push_back({waitOf(piece, "after_ms"), bytesOf(piece, "bytes")});
     }
-    exchange.reply.closes = closes(object);
+    exchange.reply.closes = object.at("closes").get<bool>();
     exchange.fault = bytesOf(object, "fault");
-    exchange.said = toBytes(object.value("said", ""));
-    exchange.leftOut = object.value("left_out", std::size_t{0});
+    exchange.said = bytesOf(object, "said");
+    exchange.leftOut = object.at("left_out").get<std::size_t>();
     exchange.engineTook = waitOf(object, "engine_ms");
     return exchange;
 }
@@ -102,7 +96,7 @@ std::string header() {
 
 void checkHeader(const std::string& line) {
     require(line.compare(0, headerStart.size(), headerStart) == 0,
-            "it is not the header of a recording of version 2");
+            "it is not the header of a recording of version 3");
 }
 
 std::string write(const Exchange& exchange) {
@@ -118,14 +112,10 @@ std::string write(const Exchange& exchange) {
     object["request"] = toCharacters(exchange.request);
     object["complete"] = exchange.isComplete;
     object["answer"] = pieces;
-    object["end"] = exchange.reply.closes ? "close" : "open";
+    object["closes"] = exchange.reply.closes;
     object["fault"] = toCharacters(exchange.fault);
-    if (!exchange.said.empty()) {
-        object["said"] = toCharacters(exchange.said);
-    }
-    if (exchange.leftOut > 0) {
-        object["left_out"] = exchange.leftOut;
-    }
+    object["said"] = toCharacters(exchange.said);
+    object["left_out"] = exchange.leftOut;
     object["engine_ms"] = toMs(exchange.engineTook);
     return line(object);
 }
