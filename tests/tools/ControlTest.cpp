@@ -25,7 +25,7 @@ TEST_F(Control, CommandsComeThroughASocketForThisUserOnly) {
     // It waits for an engine that is starting.
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     Engine engine(socket);
-    EXPECT_EQ(teller.readAll(), "offset -5 ms\n");
+    EXPECT_EQ(teller.readAll(), "offset -5\n");
     struct stat status {};
     stat(controlSocket.c_str(), &status);
     EXPECT_EQ(status.st_mode & 0777, 0600U);
@@ -63,8 +63,8 @@ TEST_F(Control, TheEndOfATerminalsInputEndsTheProgram) {
     for (std::string line; std::getline(lines, line);) {
         EXPECT_LE(line.size(), 81U) << line;
     }
-    engine.write("jitter 5\n");
-    engine.readUntil("jitter 5 ms\r\n");
+    engine.write("jitter  5\n");
+    engine.readUntil("jitter 5\r\n");
     engine.write("\x04");
     EXPECT_PRED_FORMAT2(IsSubstring, "1 exchanges, 1 spoiled, 1 clients, ", engine.readAll());
     EXPECT_EQ(engine.wait(), 0);

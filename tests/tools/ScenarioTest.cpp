@@ -52,7 +52,7 @@ TEST_F(Scenario, ANetworkBeginsWithTheFirstClientAndEndsWithACommand) {
         << readings;
     engine.write("status\nnetwork 80\njitter 10\n");
     engine.readUntil("call on\nnetwork from a file\nslew 0 ms/s\n");
-    engine.readUntil("jitter 10 ms\n");
+    engine.readUntil("jitter 10\n");
     EXPECT_PRED_FORMAT2(testing::IsSubstring, "latency 100.0 ms  jitter 10 ms",
                         run(LIPSYNCCTL, "timestamps" + at));
 }
@@ -102,7 +102,7 @@ TEST_F(Scenario, AnEngineThatGoesAwayAgainAtTheMomentOfItsReturnComesBackOnce) {
     const tests::Engine engine(socket, {"--scenario", file});
     engine.readUntil("end\n");
     engine.write("down 0\n");
-    engine.readUntil("down 0 s\nazubsim: listening at " + socket + " again\n");
+    engine.readUntil("down 0\nazubsim: listening at " + socket + " again\n");
     run(LIPSYNCCTL, "timestamps" + at);
 }
 
@@ -122,9 +122,9 @@ TEST_F(Scenario, ThePicturesOfTheExampleGoOnInAllShippedOnes) {
         runs.push_back({firstTrouble, std::make_unique<tests::Engine>(path, options),
                         std::make_unique<tests::Process>(command)});
     };
-    play("drifting-clock", "3 s: drift 2000 -> drift 2000 ppm\n");
-    play("bad-network", "8 s: freeze on -> freeze on\n");
-    play("restarting-engine", "3 s: down 2 -> down 2 s\n");
+    play("drifting-clock", "3 s: drift 2000\n");
+    play("bad-network", "8 s: freeze on\n");
+    play("restarting-engine", "3 s: down 2\n");
     for (const Run& run : runs) {
         const std::string output = run.pipeline->readAll();
         const std::vector<int> pictures = picturesPerSecond(output);

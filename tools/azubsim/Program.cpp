@@ -46,8 +46,8 @@ void Program::addCommands() {
         addFaultCommands(_commands, _faults);
     }
     _commands.addNumber("down", "SECONDS",
-                        "go away: close everything, then come back with margin 0",
-                        {0, 3600, " s", false}, [this](auto seconds) {
+                        "go away: close everything, then come back with margin 0", {0, 3600, false},
+                        [this](auto seconds) {
                             const std::chrono::duration<double> time(*seconds);
                             goDown(std::chrono::duration_cast<std::chrono::milliseconds>(time));
                         });

@@ -71,16 +71,13 @@ void Commands::addNumber(const std::string& name, const std::string& argument,
     const std::size_t bar = std::min(argument.find('|'), argument.size());
     const std::string placeholder = argument.substr(0, bar);
     const std::string word = argument.substr(std::min(bar + 1, argument.size()));
-    _commands.push_back({name, argument, effect, [=](const std::string& text) -> Action {
-                             std::optional<double> number;
-                             if (word.empty() || text != word) {
-                                 number = parseNumber(text, placeholder, range, word);
-                             }
-                             return [=] {
-                                 set(number);
-                                 return name + ' ' + text + (number ? range.unit : "");
-                             };
-                         }});
+    addText(name, argument, effect, [=](const std::string& text) {
+        std::optional<double> number;
+        if (word.empty() || text != word) {
+            number = parseNumber(text, placeholder, range, word);
+        }
+        return [=] { set(number); };
+    });
 }
 
 Commands::Action Commands::parse(const std::string& line) const {

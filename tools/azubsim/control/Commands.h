@@ -14,11 +14,9 @@ public:
     /// Carries a command out and returns the answer: one or more lines.
     using Action = std::function<std::string()>;
 
-    /// The limits of a number and its unit, which begins with a blank.
     struct Range {
         double smallest;
         double largest;
-        const char* unit = "";
         bool isWhole = true;
     };
 

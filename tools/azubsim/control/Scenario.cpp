@@ -28,7 +28,7 @@ void Scenario::add(const tools::Words& line, const Commands& commands) {
                                                           formatNumber(earliest) + " to " +
                                                           formatNumber(latest) + " seconds");
     require(!line.rest.empty(), "no command after the time");
-    _steps.push_back({seconds, line.rest, commands.parse(line.rest)});
+    _steps.push_back({seconds, commands.parse(line.rest)});
 }
 
 void Scenario::start() {
@@ -46,8 +46,7 @@ void Scenario::waitForStep() {
     _timer.async_wait([this](const asio::error_code& error) {
         if (!error) {
             const Step& step = _steps[_done++];
-            _screen.say("scenario " + formatNumber(step.seconds) +
-                        " s: " + tools::printable(step.text) + " -> " + step.action());
+            _screen.say("scenario " + formatNumber(step.seconds) + " s: " + step.action());
             waitForStep();
         }
     });

@@ -30,7 +30,6 @@ public:
 private:
     struct Step {
         double seconds;
-        std::string text;
         Commands::Action action;
     };
 

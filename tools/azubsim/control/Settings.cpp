@@ -42,19 +42,17 @@ void addEngineCommands(Commands& commands, AudioEngine& engine) {
     commands.addOnOff("call", "start or end the call; outside it, answer error 1003",
                       [&](bool isOn) { engine.setInCall(isOn); });
     commands.addNumber("network", "MS", "set the network's delay; like jitter, ends --network",
-                       {0, largestDelayMs, " ms"},
-                       [&](auto number) { engine.setNetworkMs(*number); });
+                       {0, largestDelayMs}, [&](auto number) { engine.setNetworkMs(*number); });
     commands.addNumber("jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary",
-                       {0, largestDelayMs, " ms"},
-                       [&](auto number) { engine.setJitterMs(number); });
+                       {0, largestDelayMs}, [&](auto number) { engine.setJitterMs(number); });
     commands.addNumber("slew", "MS_PER_S", "apply a new margin at this rate; 0, at once",
-                       {0, 10000, " ms/s", false},
+                       {0, 10000, false},
                        [&](auto number) { engine.setSlew(*number, Clock::now()); });
     commands.addNumber("offset", "MS", "set the far end's clock ahead; below 0, back",
-                       {-largestOffsetMs, largestOffsetMs, " ms"},
+                       {-largestOffsetMs, largestOffsetMs},
                        [&](auto number) { engine.setOffsetMs(*number, Clock::now()); });
     commands.addNumber("drift", "PPM", "make the far end's clock run fast; below 0, slow",
-                       {-100000, 100000, " ppm", false},
+                       {-100000, 100000, false},
                        [&](auto number) { engine.setDriftPpm(*number, Clock::now()); });
     commands.addOnOff("freeze", "repeat the same timestamps while the call goes on",
                       [&](bool isOn) { isOn ? engine.freeze(Clock::now()) : engine.unfreeze(); });
