@@ -45,15 +45,15 @@ void Program::addCommands() {
     if (_options.mode != Mode::Replay) {
         addFaultCommands(_commands, _faults);
     }
-    _commands.addNumber("down", "SECONDS",
-                        "go away: close everything, then come back with margin 0", {0, 3600, false},
-                        [this](auto seconds) {
-                            const std::chrono::duration<double> time(*seconds);
-                            goDown(std::chrono::duration_cast<std::chrono::milliseconds>(time));
-                        });
-    _commands.addOnOff("quiet", "print no line per exchange",
+    _commands.addNumber(
+        {"down", "SECONDS", "go away: close everything, then come back with margin 0"},
+        {0, 3600, false}, [this](auto seconds) {
+            const std::chrono::duration<double> time(*seconds);
+            goDown(std::chrono::duration_cast<std::chrono::milliseconds>(time));
+        });
+    _commands.addOnOff({"quiet", "on|off", "print no line per exchange", "off"},
                        [this](bool isOn) { _reports.isQuiet = isOn; });
-    _commands.addPlain("quit", "exit", [this] {
+    _commands.addPlain({"quit", "", "exit"}, [this] {
         _io.stop();
         return "quit";
     });
@@ -67,11 +67,11 @@ std::string Program::status() {
     };
     addPath("socket", _options.socket);
     addPath("engine", _options.engine);
-    addPath("network", _options.networkFile);
+    addPath("network", _engine.isFollowing() ? _options.networkFile : "");
     addPath("recording", _options.recording);
     addPath("record", _options.recordFile);
     return text + _reports.tally(_server.accepted()) + '\n' + std::to_string(_server.connected()) +
-           " clients connected\nquiet " + (_reports.isQuiet ? "on\n" : "off\n");
+           " clients connected\n";
 }
 
 void Program::run() {

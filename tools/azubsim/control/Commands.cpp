@@ -30,48 +30,43 @@ double parseNumber(const std::string& text, const std::string& placeholder,
 } // namespace
 
 Commands::Commands() {
-    addPlain("help", "list the commands", [this] { return help(); });
-    addPlain("status", "print the settings, the files and what was counted", [this] {
-        std::string text;
-        for (const Action& lines : _status) {
-            text += lines();
-        }
-        return text;
-    });
+    addPlain({"help", "", "list the commands"}, [this] { return help(); });
+    addPlain({"status", "", "print the settings, the files and what was counted"},
+             [this] { return status(); });
 }
 
-void Commands::addPlain(const std::string& name, const std::string& effect, Action carryOut) {
-    _commands.push_back({name, "", effect, [carryOut = std::move(carryOut)](const std::string&) {
-                             return carryOut;
-                         }});
+void Commands::addPlain(const Words& words, Action carryOut) {
+    const auto parse = [carryOut = std::move(carryOut)](const std::string&) { return carryOut; };
+    _commands.push_back({words, parse, nullptr});
 }
 
-void Commands::addText(const std::string& name, const std::string& argument,
-                       const std::string& effect,
+void Commands::addText(const Words& words,
                        const std::function<std::function<void()>(const std::string&)>& parse) {
-    _commands.push_back({name, argument, effect, [=](const std::string& text) -> Action {
-                             return [change = parse(text), answer = name + ' ' + text] {
-                                 change();
-                                 return answer;
-                             };
-                         }});
+    const auto value = std::make_shared<std::string>(words.initial);
+    const auto parseBoth = [=, name = std::string(words.name)](const std::string& text) -> Action {
+        return [=, change = parse(text)] {
+            change();
+            *value = text;
+            return name + ' ' + text;
+        };
+    };
+    _commands.push_back({words, parseBoth, value});
 }
 
-void Commands::addOnOff(const std::string& name, const std::string& effect,
-                        const std::function<void(bool)>& set) {
-    addText(name, "on|off", effect, [set](const std::string& word) {
+void Commands::addOnOff(const Words& words, const std::function<void(bool)>& set) {
+    addText(words, [set](const std::string& word) {
         require(word == "on" || word == "off", "must be on or off");
         return [=] { set(word == "on"); };
     });
 }
 
-void Commands::addNumber(const std::string& name, const std::string& argument,
-                         const std::string& effect, const Range& range,
+void Commands::addNumber(const Words& words, const Range& range,
                          const std::function<void(std::optional<double>)>& set) {
+    const std::string argument = words.argument;
     const std::size_t bar = std::min(argument.find('|'), argument.size());
     const std::string placeholder = argument.substr(0, bar);
     const std::string word = argument.substr(std::min(bar + 1, argument.size()));
-    addText(name, argument, effect, [=](const std::string& text) {
+    addText(words, [=](const std::string& text) {
         std::optional<double> number;
         if (word.empty() || text != word) {
             number = parseNumber(text, placeholder, range, word);
@@ -86,12 +81,12 @@ Commands::Action Commands::parse(const std::string& line) const {
         "invalid command: " + words.first + (words.rest.empty() ? "" : ' ' + words.rest);
     const auto command =
         std::find_if(_commands.begin(), _commands.end(),
-                     [&](const Command& candidate) { return words.first == candidate.name; });
+                     [&](const Command& candidate) { return words.first == candidate.words.name; });
     require(command != _commands.end(), invalid);
+    const std::string placeholder = command->words.argument;
     try {
-        require(
-            words.rest.empty() == command->argument.empty(),
-            words.rest.empty() ? "needs an argument: " + command->argument : "takes no argument");
+        require(words.rest.empty() == placeholder.empty(),
+                words.rest.empty() ? "needs an argument: " + placeholder : "takes no argument");
         return command->parse(words.rest);
     } catch (const Error& e) {
         throw Error(invalid + ": " + e.what());
@@ -101,10 +96,23 @@ Commands::Action Commands::parse(const std::string& line) const {
 std::string Commands::help() const {
     std::string table;
     for (const Command& command : _commands) {
-        const std::string usage = command.name + ' ' + command.argument;
-        table += tools::printed("  %-22s%s\n", usage.c_str(), command.effect.c_str());
+        const std::string usage = std::string(command.words.name) + ' ' + command.words.argument;
+        table += tools::printed("  %-22s%s\n", usage.c_str(), command.words.effect);
     }
     return table + _arguments;
+}
+
+std::string Commands::status() const {
+    std::string text;
+    for (const Command& command : _commands) {
+        if (*command.words.initial != '\0') {
+            text += std::string(command.words.name) + ' ' + *command.value + '\n';
+        }
+    }
+    for (const Action& lines : _status) {
+        text += lines();
+    }
+    return text;
 }
 
 } // namespace azubsim

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +15,14 @@ public:
     /// Carries a command out and returns the answer: one or more lines.
     using Action = std::function<std::string()>;
 
+    /// What the help says of a command.
+    struct Words {
+        const char* name;
+        const char* argument; ///< Its placeholder; empty if it takes none.
+        const char* effect;
+        const char* initial = ""; ///< Of a setting: the argument that is in force at the start.
+    };
+
     struct Range {
         double smallest;
         double largest;
@@ -26,23 +35,22 @@ public:
     Commands(const Commands&) = delete;
     Commands& operator=(const Commands&) = delete;
 
-    /// Takes no argument and answers what `carryOut` returns.
-    void addPlain(const std::string& name, const std::string& effect, Action carryOut);
+    /// A command without an argument. Answers what `carryOut` returns.
+    void addPlain(const Words& words, Action carryOut);
 
-    /// Takes any text for which `parse` returns an action, and answers the command itself. `parse`
-    /// throws a `tools::Error` if the text is not good, and changes nothing.
-    void addText(const std::string& name, const std::string& argument, const std::string& effect,
+    /// Takes any text for which `parse` returns a change. `parse` throws a `tools::Error` if the
+    /// text is not good, and changes nothing. Answers the command itself.
+    void addText(const Words& words,
                  const std::function<std::function<void()>(const std::string&)>& parse);
 
     /// Takes "on" or "off".
-    void addOnOff(const std::string& name, const std::string& effect,
-                  const std::function<void(bool)>& set);
+    void addOnOff(const Words& words, const std::function<void(bool)>& set);
 
     /// Takes a number. If the placeholder ends with "|WORD", also that word, which sets nothing.
-    void addNumber(const std::string& name, const std::string& argument, const std::string& effect,
-                   const Range& range, const std::function<void(std::optional<double>)>& set);
+    void addNumber(const Words& words, const Range& range,
+                   const std::function<void(std::optional<double>)>& set);
 
-    /// Adds lines to the answer of "status".
+    /// Adds lines to the answer of "status", which has all settings.
     void addStatus(const Action& lines) { _status.push_back(lines); }
 
     /// Adds lines to `help` that say what arguments can be.
@@ -57,11 +65,12 @@ public:
 
 private:
     struct Command {
-        std::string name;
-        std::string argument; ///< Its placeholder; empty if it takes none.
-        std::string effect;
+        Words words;
         std::function<Action(const std::string& argument)> parse;
+        std::shared_ptr<std::string> value; ///< Of a setting: the argument in force.
     };
+
+    std::string status() const;
 
     std::vector<Command> _commands;
     std::vector<Action> _status;

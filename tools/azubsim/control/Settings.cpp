@@ -1,6 +1,5 @@
 #include "tools/azubsim/control/Settings.h"
 
-#include <cmath>
 #include <cstdint>
 
 #include "tools/common/Number.h"
@@ -10,57 +9,41 @@ namespace azubsim {
 namespace {
 
 using Clock = AudioEngine::Clock;
-using tools::formatNumber;
 
 // One day: more than a wrong clock needs, and far from the limits of a timestamp.
 constexpr double largestOffsetMs = 86400000;
 constexpr double largestDelayMs = 10000;
 
-std::string onOff(bool isOn) {
-    return isOn ? "on\n" : "off\n";
-}
-
-std::string status(const AudioEngine& engine) {
-    const auto line = [](const char* name, double number, const char* unit) {
-        return std::string(name) + ' ' + formatNumber(number) + unit + '\n';
-    };
-    const auto jitterMs = engine.jitterMs();
-    const std::string network =
-        engine.isFollowing() ? "network from a file\n"
-                             : line("network", engine.networkMs(), " ms") +
-                                   (jitterMs ? line("jitter", *jitterMs, " ms") : "jitter auto\n");
-    // A drift makes the offset any number. One decimal is enough, and the sum turns -0 into 0.
-    const double offset = std::round(engine.offsetMs(Clock::now()) * 10) / 10 + 0.0;
-    return line("margin", engine.marginMs(), " ms") + "call " + onOff(engine.isInCall()) + network +
-           line("slew", engine.slew(), " ms/s") + line("offset", offset, " ms") +
-           line("drift", engine.driftPpm(), " ppm") + "freeze " + onOff(engine.isFrozen());
-}
-
 } // namespace
 
 void addEngineCommands(Commands& commands, AudioEngine& engine) {
-    commands.addOnOff("call", "start or end the call; outside it, answer error 1003",
-                      [&](bool isOn) { engine.setInCall(isOn); });
-    commands.addNumber("network", "MS", "set the network's delay; like jitter, ends --network",
-                       {0, largestDelayMs}, [&](auto number) { engine.setNetworkMs(*number); });
-    commands.addNumber("jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary",
-                       {0, largestDelayMs}, [&](auto number) { engine.setJitterMs(number); });
-    commands.addNumber("slew", "MS_PER_S", "apply a new margin at this rate; 0, at once",
+    commands.addOnOff(
+        {"call", "on|off", "start or end the call; outside it, answer error 1003", "on"},
+        [&](bool isOn) { engine.setInCall(isOn); });
+    commands.addNumber(
+        {"network", "MS", "set the network's delay; like jitter, ends --network", "60"},
+        {0, largestDelayMs}, [&](auto number) { engine.setNetworkMs(*number); });
+    commands.addNumber(
+        {"jitter", "MS|auto", "set the depth of the jitter buffer, or let it vary", "auto"},
+        {0, largestDelayMs}, [&](auto number) { engine.setJitterMs(number); });
+    commands.addNumber({"slew", "MS_PER_S", "apply a new margin at this rate; 0, at once", "0"},
                        {0, 10000, false},
                        [&](auto number) { engine.setSlew(*number, Clock::now()); });
-    commands.addNumber("offset", "MS", "set the far end's clock ahead; below 0, back",
+    commands.addNumber({"offset", "MS", "set the far end's clock ahead; below 0, back", "0"},
                        {-largestOffsetMs, largestOffsetMs},
                        [&](auto number) { engine.setOffsetMs(*number, Clock::now()); });
-    commands.addNumber("drift", "PPM", "make the far end's clock run fast; below 0, slow",
+    commands.addNumber({"drift", "PPM", "make the far end's clock run fast; below 0, slow", "0"},
                        {-100000, 100000, false},
                        [&](auto number) { engine.setDriftPpm(*number, Clock::now()); });
-    commands.addOnOff("freeze", "repeat the same timestamps while the call goes on",
-                      [&](bool isOn) { isOn ? engine.freeze(Clock::now()) : engine.unfreeze(); });
-    commands.addStatus([&] { return status(engine); });
+    commands.addOnOff(
+        {"freeze", "on|off", "repeat the same timestamps while the call goes on", "off"},
+        [&](bool isOn) { isOn ? engine.freeze(Clock::now()) : engine.unfreeze(); });
+    commands.addStatus(
+        [&] { return "margin " + tools::formatNumber(engine.marginMs()) + " ms\n"; });
 }
 
 void addFaultCommands(Commands& commands, FaultPlan& faults) {
-    commands.addText("fault", "FAULT|none", "apply this fault instead of all others, or none",
+    commands.addText({"fault", "FAULT|none", "apply this fault instead of all others, or none"},
                      [&](const std::string& text) {
                          std::optional<Fault> fault;
                          if (text != "none") {
@@ -74,16 +57,16 @@ void addFaultCommands(Commands& commands, FaultPlan& faults) {
                          };
                      });
     commands.addText(
-        "also", "FAULT", "apply this fault in turn with the others",
+        {"also", "FAULT", "apply this fault in turn with the others"},
         [&](const std::string& text) { return [&, fault = Fault(text)] { faults.add(fault); }; });
-    commands.addNumber("every", "N", "apply a fault to one answer in N", {1, 1e9},
+    commands.addNumber({"every", "N", "apply a fault to one answer in N", "1"}, {1, 1e9},
                        [&](auto number) { faults.setEvery(static_cast<unsigned int>(*number)); });
     commands.addNumber(
-        "seed", "S|none", "choose faults at random with this seed, or in turn", {0, UINT32_MAX},
-        [&](auto number) {
+        {"seed", "S|none", "choose faults at random with this seed, or in turn", "none"},
+        {0, UINT32_MAX}, [&](auto number) {
             faults.setSeed(number ? std::optional<std::uint32_t>(*number) : std::nullopt);
         });
-    commands.addText("only", "TARGET", "aim at a command, at \"client N\", or at all",
+    commands.addText({"only", "TARGET", "aim at a command, at \"client N\", or at all", "all"},
                      [&](const std::string& target) {
                          FaultPlan::checkTarget(target);
                          return [&, target] { faults.aim(target); };

@@ -19,7 +19,6 @@ public:
     using Clock = std::chrono::system_clock;
     using Time = Clock::time_point;
 
-    bool isInCall() const { return _inCall; }
     void setInCall(bool inCall) { _inCall = inCall; }
 
     /// Follows a recorded network, which must have rows, until `setNetworkMs` or `setJitterMs`. Its
@@ -29,25 +28,20 @@ public:
     bool isFollowing() const { return _recorded.has_value(); }
 
     /// The one-way delay from the far end to here.
-    double networkMs() const { return _networkMs; }
     void setNetworkMs(double delay);
 
     /// The depth of the jitter buffer. Without a value it varies between 20 and 120 ms.
-    std::optional<double> jitterMs() const { return _jitterMs; }
     void setJitterMs(std::optional<double> depth);
 
     /// How far the far end's clock, which gives the capture timestamps, is ahead at this time, in
-    /// ms. Setting it discards what a drift has added; the drift continues from the new offset.
-    double offsetMs(Time now) const;
+    /// ms. Discards what a drift has added; the drift continues from the new offset.
     void setOffsetMs(double offset, Time now);
 
     /// How fast the far end's clock gains, in parts per million. A new drift starts at the present
     /// offset, so the clock does not jump.
-    double driftPpm() const { return _driftPpm; }
     void setDriftPpm(double drift, Time now);
 
     /// A frozen engine repeats the timestamps that it had when it froze.
-    bool isFrozen() const { return _frozen.has_value(); }
     void freeze(Time now) { _frozen = _frozen.value_or(measure(now)); }
     void unfreeze() { _frozen.reset(); }
 
@@ -60,13 +54,13 @@ public:
     double marginMs() const { return _marginMs; }
 
     /// How fast a new margin is applied, in ms per second; 0 means at once.
-    double slew() const { return _slew; }
     void setSlew(double msPerSecond, Time now);
 
     /// An engine that has been away comes back without a margin.
     void resetMargin();
 
 private:
+    double offsetMs(Time now) const;
     Timestamps measure(Time now) const;
     Network::Row networkAt(Time received) const;
     double appliedMarginMs(Time now) const;

@@ -24,12 +24,12 @@ public:
     void setEvery(unsigned int every);
     void setSeed(std::optional<std::uint32_t> seed);
 
-    /// Aims at the answers to a command, for example "GetAudioTs", or at a client, for example
-    /// "client 3". Each narrows the other; "all" ends both. Throws a `tools::Error`.
-    void aim(const std::string& target);
+    /// Aims at the answers to a command, for example "GetAudioTs", to a client, for example
+    /// "client 3", or at "all".
+    void aim(const std::string& target) { _target = target; }
 
-    /// Throws a `tools::Error` if `aim` would.
-    static void checkTarget(const std::string& target) { FaultPlan().aim(target); }
+    /// Throws a `tools::Error` if this is no target.
+    static void checkTarget(const std::string& target);
 
     /// The fault for the next answer, if it gets one.
     std::optional<Fault> next(int client, const std::string& command);
@@ -39,7 +39,7 @@ public:
         return fault.apply(answer, _random);
     }
 
-    /// The settings, a line each.
+    /// The faults, a line each.
     std::string status() const;
 
 private:
@@ -49,8 +49,7 @@ private:
     std::size_t _turn = 0;
     std::optional<std::uint32_t> _seed;
     std::mt19937 _random;
-    std::string _onlyCommand; ///< Empty for all.
-    int _onlyClient = 0;      ///< 0 for all.
+    std::string _target = "all";
 };
 
 } // namespace azubsim
