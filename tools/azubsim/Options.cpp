@@ -4,7 +4,7 @@
 
 #include "tools/azubsim/Program.h"
 #include "tools/azubsim/protocol/Names.h"
-#include "tools/common/CommandLine.h"
+#include "tools/common/Tool.h"
 
 namespace azubsim {
 

@@ -9,7 +9,7 @@
 #include "tools/azubsim/engine/Simulator.h"
 #include "tools/azubsim/net/Responder.h"
 #include "tools/common/Error.h"
-#include "tools/common/Printable.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 

@@ -1,9 +1,10 @@
 #include "tools/common/Lines.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 
 #include "tools/common/Error.h"
 
@@ -31,18 +32,10 @@ void readLines(const std::string& file,
 }
 
 Words::Words(const std::string& line) {
-    constexpr const char* blanks = " \t\r";
-    const std::size_t start = line.find_first_not_of(blanks);
-    if (start == std::string::npos) {
-        return;
-    }
-    const std::size_t end = line.find_last_not_of(blanks) + 1;
-    const std::size_t firstEnd = std::min(line.find_first_of(blanks, start), end);
-    first = line.substr(start, firstEnd - start);
-    const std::size_t restStart = line.find_first_not_of(blanks, firstEnd);
-    if (restStart < end) {
-        rest = line.substr(restStart, end - restStart);
-    }
+    std::istringstream stream(line);
+    stream >> first >> std::ws;
+    rest.assign(std::istreambuf_iterator<char>(stream), {});
+    rest.erase(rest.find_last_not_of(" \t\r") + 1);
 }
 
 } // namespace tools

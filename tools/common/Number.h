@@ -4,7 +4,6 @@
 #include <functional>
 #include <optional>
 #include <string>
-#include <system_error>
 
 namespace tools {
 
@@ -12,15 +11,9 @@ namespace tools {
 /// has one, no leading zero.
 template <typename Number>
 std::optional<Number> parseInteger(const std::string& text) {
-    const char* const end = text.data() + text.size();
     Number number = 0;
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    const std::size_t sign = text.substr(0, 1) == "-" ? 1 : 0;
-    const bool hasLeadingZero = text.size() > sign + 1 && text[sign] == '0';
-    if (error != std::errc() || rest != end || hasLeadingZero) {
-        return std::nullopt;
-    }
-    return number;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return std::to_string(number) == text ? std::optional(number) : std::nullopt;
 }
 
 /// Parses the whole text as a number such as "-0.5".

@@ -4,66 +4,69 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <sstream>
+#include <cwctype>
+#include <iterator>
 
 namespace tools {
 
 namespace {
 
-// The bytes of a line of text that fit into this many columns.
-std::size_t bytesThatFit(const std::string& text, std::size_t columns) {
-    std::mbstate_t state{};
-    std::size_t size = 0;
-    while (size < text.size()) {
-        wchar_t character = 0;
-        const std::size_t length =
-            std::mbrtowc(&character, text.data() + size, text.size() - size, &state);
-        const std::size_t width = static_cast<std::size_t>(std::max(wcwidth(character), 0));
-        if (length == 0 || length > text.size() || width > columns) {
-            break;
-        }
-        columns -= width;
-        size += length;
-    }
-    return size;
+// Characters that show nothing, or that change how others are shown. The locale calls them
+// printable.
+bool isFormat(wchar_t character) {
+    constexpr wchar_t ranges[][2] = {{0xAD, 0xAD},     {0x600, 0x605},     {0x61C, 0x61C},
+                                     {0x180E, 0x180E}, {0x200B, 0x200F},   {0x2028, 0x202E},
+                                     {0x2060, 0x206F}, {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},
+                                     {0xFFF9, 0xFFFC}, {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}};
+    return std::any_of(std::begin(ranges), std::end(ranges), [=](const wchar_t(&range)[2]) {
+        return character >= range[0] && character <= range[1];
+    });
 }
 
 } // namespace
 
-std::string wrapped(const std::string& text, std::size_t width) {
-    std::istringstream words(text);
-    std::string lines;
-    std::size_t used = 0;
-    for (std::string word; words >> word; used += word.size()) {
-        if (used + 1 + word.size() > width) {
-            lines += '\n';
-            used = 0;
-        } else if (used > 0) {
-            lines += ' ';
-            ++used;
+std::string printable(const std::string& text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size();) {
+        std::mbstate_t state{};
+        wchar_t character = 0;
+        // For a zero byte the length is 0. For an invalid sequence it is huge.
+        const std::size_t length =
+            std::mbrtowc(&character, text.data() + i, text.size() - i, &state);
+        if (length <= text.size() && std::iswprint(static_cast<wint_t>(character)) != 0 &&
+            !isFormat(character)) {
+            result.append(text, i, length);
+            i += length;
+        } else {
+            const auto byte = static_cast<unsigned char>(text[i++]);
+            result += byte == '\n' ? "\\n" : printed("\\x%02x", byte);
         }
-        lines += word;
     }
-    return lines;
+    return result;
 }
 
 std::string broken(const std::string& line, std::size_t columns) {
-    constexpr std::size_t indent = 4;
-    if (columns <= 2 * indent) {
+    const std::string indent(4, ' ');
+    if (columns <= 2 * indent.size()) {
         return line;
     }
     std::string result;
-    std::string rest = line;
-    for (std::size_t size; (size = bytesThatFit(rest, columns)) < rest.size() && size > 0;) {
-        const std::size_t blank = rest.rfind(' ', size);
-        if (blank != std::string::npos && blank > indent) {
-            size = blank;
+    std::size_t start = 0; // Of the current line.
+    std::size_t blank = 0; // The last one.
+    std::size_t used = 0;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        // In UTF-8, a byte that continues a character begins with the bits 10.
+        used += (line[i] & 0xC0) == 0x80 ? 0 : 1;
+        blank = line[i] == ' ' ? i : blank;
+        if (used > columns) {
+            const std::size_t end = blank > start ? blank : i;
+            result.append(line, start, end - start).append('\n' + indent);
+            start = std::min(line.find_first_not_of(' ', end), line.size());
+            i = start - 1;
+            used = indent.size();
         }
-        result += rest.substr(0, size) + '\n';
-        rest.erase(0, std::min(rest.find_first_not_of(' ', size), rest.size()));
-        rest.insert(0, indent, ' ');
     }
-    return result + rest;
+    return result + line.substr(start);
 }
 
 std::size_t terminalColumns(int descriptor) {

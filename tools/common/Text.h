@@ -13,11 +13,14 @@ std::string printed(const char* format, Values... values) {
     return text;
 }
 
-/// Breaks text between words so that no line is longer than `width`. Longer words are not broken.
-std::string wrapped(const std::string& text, std::size_t width);
+/// Makes text from another program safe for a terminal. A newline becomes `\n`; every byte of a
+/// control character, of an invisible one or one that changes the direction of text, of any other
+/// that the locale cannot print, or of an invalid sequence becomes `\xNN`. The rest stays. Uses the
+/// program's LC_CTYPE: call `setlocale` first.
+std::string printable(const std::string& text);
 
 /// Breaks a line for a terminal with this many columns, between words if possible, and indents what
-/// follows. 0 columns mean that there is no terminal. The line must be as `printable` makes it.
+/// follows. 0 columns mean that there is no terminal. A character takes one column.
 std::string broken(const std::string& line, std::size_t columns);
 
 /// The columns of the terminal behind a descriptor; 0 if it is none.

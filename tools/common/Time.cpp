@@ -9,28 +9,30 @@ namespace tools {
 
 namespace {
 
-using std::chrono::duration_cast;
 using std::chrono::microseconds;
 using std::chrono::seconds;
 
-constexpr seconds from1900To1970(2208988800);
-
-// The fraction is positive, also before 1970.
-std::string formatted(const char* format, const std::tm& time, microseconds fraction,
-                      int decimals) {
+std::string formatted(Time time, const char* format, int decimals,
+                      std::tm* (*convert)(const std::time_t*, std::tm*)) {
+    // The fraction is positive, also before 1970.
+    const seconds whole = std::chrono::floor<seconds>(time);
+    const std::time_t count = whole.count();
+    const long fraction = microseconds(time - whole).count();
+    std::tm parts{};
+    convert(&count, &parts);
     char text[64];
-    std::strftime(text, sizeof(text), format, &time);
-    const auto digits = decimals == 6 ? fraction.count() : fraction.count() / 1000;
-    return text + printed(".%0*d", decimals, static_cast<int>(digits));
+    std::strftime(text, sizeof(text), format, &parts);
+    return text + printed(".%0*ld", decimals, decimals == 6 ? fraction : fraction / 1000);
 }
 
 } // namespace
 
 Time now() {
-    return duration_cast<Time>(std::chrono::system_clock::now().time_since_epoch());
+    return std::chrono::duration_cast<Time>(std::chrono::system_clock::now().time_since_epoch());
 }
 
 Time fromNtp(std::uint64_t ntp) {
+    constexpr seconds from1900To1970(2208988800);
     constexpr std::uint64_t half = 1ULL << 31;
     const std::uint64_t fraction = ((ntp & 0xFFFFFFFF) * 1000000 + half) >> 32;
     return seconds(ntp >> 32) - from1900To1970 + microseconds(fraction);
@@ -42,19 +44,11 @@ double msBetween(std::uint64_t start, std::uint64_t end) {
 }
 
 std::string timeOfDay(Time time) {
-    const seconds whole = std::chrono::floor<seconds>(time);
-    const std::time_t count = whole.count();
-    std::tm local{};
-    localtime_r(&count, &local);
-    return formatted("%H:%M:%S", local, time - whole, 3);
+    return formatted(time, "%H:%M:%S", 3, localtime_r);
 }
 
 std::string isoTime(Time time, int decimals) {
-    const seconds whole = std::chrono::floor<seconds>(time);
-    const std::time_t count = whole.count();
-    std::tm utc{};
-    gmtime_r(&count, &utc);
-    return formatted("%Y-%m-%dT%H:%M:%S", utc, time - whole, decimals) + 'Z';
+    return formatted(time, "%Y-%m-%dT%H:%M:%S", decimals, gmtime_r) + 'Z';
 }
 
 } // namespace tools

@@ -1,7 +1,8 @@
 # Finishes a manual page that help2man has written.
 
 # The headings of the help become sections, except those of one command.
-/ of /! s/^\.SS "(.*):"$/.SH "\U\1"/
+s/^\.SS "Command (.*):"$/.SH "COMMAND \U\1"/
+1,/^\.SH "COMMAND / s/^\.SS "(.*):"$/.SH "\U\1"/
 # Examples keep their lines, and can be pasted into a shell.
 /^\.SH EXAMPLES$/,/^\.SH "?[^E]/ {
     s/^\.IP$/.nf/

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "tools/common/Printable.h"
 #include "tools/common/Text.h"
 #include "tools/common/Time.h"
 

@@ -4,8 +4,8 @@
 #include <map>
 
 #include "lipsyncapi/Service.h"
-#include "tools/common/CommandLine.h"
 #include "tools/common/Number.h"
+#include "tools/common/Tool.h"
 
 namespace lipsyncctl {
 
@@ -29,9 +29,9 @@ std::string checkSocket(const std::string& path) {
 CLI::App* declareCommand(CLI::App& parent, Options& options, const std::string& name,
                          Command command, const std::string& description) {
     CLI::App* const app = parent.add_subcommand(name, description);
-    app->footer(
-        "Every command also accepts --socket, --format, --timeout, --wait and --log: see\n"
-        "lipsyncctl --help.\n");
+    app->set_help_flag("-h,--help",
+                       "Print this help message and exit. See lipsyncctl --help\n"
+                       "for the options of every command, such as --socket");
     app->callback([&options, command] { options.command = command; });
     app->fallthrough();
     return app;
@@ -52,14 +52,15 @@ void declareMargin(CLI::App& app, Options& options) {
 }
 
 void declareTimestamps(CLI::App& app, Options& options) {
-    CLI::App* const timestamps = declareCommand(
-        app, options, "timestamps", Command::Timestamps,
-        "Print when the audio was captured and received, the latency from capture to rendering, "
-        "and the depth of the jitter buffer");
-    timestamps->add_flag(
-        "--watch", options.watch,
-        "Repeat until interrupted: in a live view if text goes to a terminal, otherwise one line "
-        "per reading. If the engine goes away, wait for it to come back");
+    CLI::App* const timestamps =
+        declareCommand(app, options, "timestamps", Command::Timestamps,
+                       "Print when the audio was captured and received, the\n"
+                       "latency from capture to rendering, and the depth of the\n"
+                       "jitter buffer");
+    timestamps->add_flag("--watch", options.watch,
+                         "Repeat until interrupted: in a live view if text goes to\n"
+                         "a terminal, otherwise one line per reading. If the\n"
+                         "engine goes away, wait for it to come back");
     const auto addLimit = [&](const char* name, auto& value, const char* unit, unsigned long max,
                               const char* description) {
         return timestamps->add_option(name, value, description)
@@ -72,15 +73,16 @@ void declareTimestamps(CLI::App& app, Options& options) {
         ->capture_default_str();
     addLimit("--count", options.readings, "N", million, "Watch until there are this many readings");
     addLimit("--max-time", options.maxSeconds, "SECONDS", daySeconds,
-             "Watch for at most this time. Fails if there are no readings then, or fewer than "
-             "--count");
+             "Watch for at most this time. Fails if there are no\n"
+             "readings then, or fewer than --count");
 }
 
 void declarePing(CLI::App& app, Options& options) {
-    CLI::App* const ping = declareCommand(
-        app, options, "ping", Command::Ping,
-        "Measure how long an exchange takes: minimum, median, 99th percentile, maximum. An error "
-        "from the engine is an answer too, but is counted as a refusal");
+    CLI::App* const ping =
+        declareCommand(app, options, "ping", Command::Ping,
+                       "Measure how long an exchange takes: minimum, median,\n"
+                       "99th percentile, maximum. An error from the engine is an\n"
+                       "answer too, but is counted as a refusal");
     ping->add_option("--count", options.exchanges, "Number of exchanges")
         ->type_name("N")
         ->check(integerFrom(1, million))
@@ -96,18 +98,21 @@ void declareGeneralOptions(CLI::App& app, Options& options) {
         ->capture_default_str();
     app.add_option_function<std::string>(
            "--format", [&options](const std::string& name) { options.format = formats.at(name); },
-           "Output format: text (default) for people, json or csv for programs")
+           "Output format: text (default) for people, json or csv\n"
+           "for programs")
         ->type_name("text|json|csv")
         ->check([](const std::string& name) {
             return formats.count(name) > 0 ? "" : "'" + name + "' is not text, json or csv";
         });
     app.add_option("--timeout", options.timeoutMs,
-                   "Give up if connecting or an exchange takes longer than this, in ms; a watch "
-                   "then reconnects (default: wait without limit)")
+                   "Give up if connecting or an exchange takes longer than\n"
+                   "this, in ms; a watch then reconnects (default: wait\n"
+                   "without limit)")
         ->type_name("MS")
         ->check(integerFrom(1, hourMs));
     app.add_option("--wait", options.waitSeconds,
-                   "Wait up to this time until the engine listens; a watch always waits")
+                   "Wait up to this time until the engine listens; a watch\n"
+                   "always waits")
         ->type_name("SECONDS")
         ->check(integerFrom(1, daySeconds));
     app.add_flag("--log", options.showsLog, "Show the library's log lines on standard error");

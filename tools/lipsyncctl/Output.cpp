@@ -8,7 +8,6 @@
 #include <iostream>
 #include <sstream>
 
-#include "tools/common/Printable.h"
 #include "tools/common/Text.h"
 #include "tools/common/Tool.h"
 #include "tools/lipsyncctl/Interrupt.h"

@@ -4,7 +4,7 @@
 #include "tools/common/Error.h"
 #include "tools/common/Lines.h"
 #include "tools/common/Number.h"
-#include "tools/common/Printable.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 

@@ -7,7 +7,7 @@
 #include "tools/azubsim/net/Connection.h"
 #include "tools/azubsim/protocol/Exchange.h"
 #include "tools/common/Error.h"
-#include "tools/common/Printable.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 

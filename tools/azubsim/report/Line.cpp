@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "tools/azubsim/protocol/Description.h"
-#include "tools/common/Printable.h"
 #include "tools/common/Text.h"
 
 namespace azubsim {

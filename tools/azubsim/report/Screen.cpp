@@ -9,7 +9,6 @@
 #include <cstring>
 #include <sstream>
 
-#include "tools/common/Printable.h"
 #include "tools/common/Text.h"
 
 namespace azubsim {
