@@ -8,8 +8,8 @@
 
 namespace lipsyncctl {
 
-Connection::Connection(std::string socket, std::chrono::milliseconds timeout)
-    : _socket(std::move(socket)), _timeout(timeout), _watchdog([this] { cancel(); }) {
+Connection::Connection(std::string socket, std::chrono::milliseconds timeout, Watchdog::Time end)
+    : _socket(std::move(socket)), _timeout(timeout), _end(end), _watchdog([this] { cancel(); }) {
     // A signal with a handler, but without SA_RESTART, makes a blocked system call return.
     struct sigaction action {};
     action.sa_handler = [](int) {};
@@ -39,7 +39,7 @@ template <typename Call>
 void Connection::run(const Call& call) {
     _caller = pthread_self();
     const Watchdog::Time start = Watchdog::Clock::now();
-    const Watchdog::Time end = _timeout.count() > 0 ? start + _timeout : Watchdog::never;
+    const Watchdog::Time end = _timeout.count() > 0 ? std::min(start + _timeout, _end) : _end;
     _start = start;
     const Service::Result result = [&] {
         const Watchdog::Deadline deadline(_watchdog, end);

@@ -18,8 +18,11 @@ class Connection {
 public:
     using Service = velta::zub::lipsyncapi::Service;
 
-    /// `timeout` is for each call; 0 means none.
-    Connection(std::string socket, std::chrono::milliseconds timeout);
+    using Watchdog = velta::zub::avsync::Watchdog;
+
+    /// `timeout` is for each call; 0 means none. `end` is for all of them.
+    Connection(std::string socket, std::chrono::milliseconds timeout,
+               Watchdog::Time end = Watchdog::never);
 
     void connect();
     void setMargin(unsigned long ms);
@@ -37,8 +40,6 @@ public:
     std::chrono::duration<double> waitingTime() const;
 
 private:
-    using Watchdog = velta::zub::avsync::Watchdog;
-
     template <typename Call>
     void run(const Call& call);
     void throwTimeout();
@@ -46,6 +47,7 @@ private:
 
     const std::string _socket;
     const std::chrono::milliseconds _timeout;
+    const Watchdog::Time _end;
     Service _service;
     bool _isConnected = false;
     pthread_t _caller{};

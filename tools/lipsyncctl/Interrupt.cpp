@@ -2,58 +2,52 @@
 
 #include <unistd.h>
 
-#include <atomic>
-#include <csignal>
+#include <utility>
 
 #include "tools/common/Error.h"
 
 namespace lipsyncctl {
 
-namespace {
-
-// Used by a signal handler and by several threads.
-std::atomic<int> signalNumber{0};
-std::atomic<bool> endsAtOnce{false};
-static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
-
-void note(int number) {
-    signalNumber = number;
-    if (endsAtOnce) {
-        // The rest of the output is lost, so the end of the time is a failure here.
-        _exit(isTimeUp() ? tools::exitFailure : interruptStatus());
-    }
-}
-
-} // namespace
-
-void catchInterrupts() {
-    // No SA_RESTART: a signal interrupts blocking calls.
-    struct sigaction action {};
-    action.sa_handler = note;
+Interrupt::Interrupt() {
+    sigemptyset(&_signals);
     for (const int number : {SIGINT, SIGTERM, SIGALRM}) {
-        sigaction(number, &action, nullptr);
+        sigaddset(&_signals, number);
     }
+    pthread_sigmask(SIG_BLOCK, &_signals, nullptr);
+    _thread = std::thread([this] { wait(); });
 }
 
-bool isInterrupted() {
-    return signalNumber != 0;
+Interrupt::~Interrupt() {
+    {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _isEnding = true;
+    }
+    pthread_kill(_thread.native_handle(), SIGTERM);
+    _thread.join();
 }
 
-bool isTimeUp() {
-    return signalNumber == SIGALRM;
+void Interrupt::setHandler(std::function<void()> handler) {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _handler = std::move(handler);
 }
 
-int interruptStatus() {
+void Interrupt::wait() {
     constexpr int killedBySignal = 128;
-    return isInterrupted() && !isTimeUp() ? killedBySignal + signalNumber : 0;
-}
-
-EndsAtOnce::EndsAtOnce() {
-    endsAtOnce = true;
-}
-
-EndsAtOnce::~EndsAtOnce() {
-    endsAtOnce = false;
+    for (;;) {
+        int number = 0;
+        sigwait(&_signals, &number);
+        const std::lock_guard<std::mutex> lock(_mutex);
+        if (_isEnding) {
+            return;
+        }
+        // At the end of the time, output that is lost is a failure.
+        const int status = number == SIGALRM ? tools::exitFailure : killedBySignal + number;
+        if (!_handler) {
+            _exit(status);
+        }
+        _exitStatus = status;
+        _handler();
+    }
 }
 
 } // namespace lipsyncctl

@@ -10,7 +10,6 @@
 
 #include "tools/common/Text.h"
 #include "tools/common/Tool.h"
-#include "tools/lipsyncctl/Interrupt.h"
 
 namespace lipsyncctl {
 
@@ -44,7 +43,6 @@ std::string cell(const Record& value) {
 }
 
 void writeLine(const std::string& line) {
-    const EndsAtOnce guard;
     std::cout << line << std::endl;
     if (!std::cout && errno == EPIPE) {
         std::signal(SIGPIPE, SIG_DFL);

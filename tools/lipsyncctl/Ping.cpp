@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <future>
+#include <optional>
 #include <vector>
 
 #include "tools/common/Text.h"
-#include "tools/lipsyncctl/Interrupt.h"
 
 namespace lipsyncctl {
 
@@ -18,28 +17,22 @@ struct Figures {
     unsigned long refusals = 0;
 };
 
-// Returns whether the engine refused. Throws other failures.
-bool exchange(Connection& connection) {
-    try {
-        connection.getTimestamps();
-        return false;
-    } catch (const Failure& failure) {
-        if (!failure.isRefusal()) {
-            throw;
-        }
-        return true;
-    }
-}
-
+// Throws a failure that is no refusal.
 void measure(Connection& connection, unsigned long exchanges, Figures& figures) {
     figures.times.reserve(exchanges);
-    while (figures.times.size() < exchanges && !isInterrupted()) {
+    while (figures.times.size() < exchanges) {
         const auto start = std::chrono::steady_clock::now();
-        const bool isRefused = exchange(connection);
+        try {
+            connection.getTimestamps();
+        } catch (const Failure& failure) {
+            if (!failure.isRefusal()) {
+                throw;
+            }
+            ++figures.refusals;
+        }
         const std::chrono::duration<double, std::milli> time =
             std::chrono::steady_clock::now() - start;
         figures.times.push_back(time.count());
-        figures.refusals += isRefused ? 1 : 0;
     }
 }
 
@@ -72,25 +65,19 @@ void print(Figures& figures, Output& output) {
 
 } // namespace
 
-void ping(Connection& connection, unsigned long exchanges, Output& output) {
-    catchInterrupts();
+void ping(Connection& connection, unsigned long exchanges, Output& output, Interrupt& interrupt) {
     Figures figures;
-    // In a thread, so that this one can end a call that waits.
-    auto measuring =
-        std::async(std::launch::async, [&] { measure(connection, exchanges, figures); });
-    constexpr std::chrono::milliseconds patience{50};
-    while (measuring.wait_for(patience) != std::future_status::ready) {
-        if (isInterrupted()) {
-            connection.stop();
-        }
-    }
-    print(figures, output);
+    std::optional<Failure> failure;
+    interrupt.setHandler([&] { connection.stop(); });
     try {
-        measuring.get();
-    } catch (const Failure&) {
-        if (!isInterrupted()) {
-            throw;
-        }
+        measure(connection, exchanges, figures);
+    } catch (const Failure& caught) {
+        failure = caught;
+    }
+    interrupt.setHandler(nullptr);
+    print(figures, output);
+    if (failure && interrupt.exitStatus() == 0) {
+        throw Failure(*failure);
     }
 }
 

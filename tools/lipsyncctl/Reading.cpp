@@ -10,10 +10,6 @@ std::string isoNtp(unsigned long ntp) {
     return tools::isoTime(tools::fromNtp(ntp));
 }
 
-double toSeconds(tools::Time time) {
-    return std::chrono::duration<double>(time).count();
-}
-
 } // namespace
 
 double Reading::latencyMs() const {
@@ -22,17 +18,26 @@ double Reading::latencyMs() const {
 
 // NTP numbers have 64 bits. Many JSON readers keep only 53, so the times are there as text too.
 Record Reading::record() const {
-    return {{"time", toSeconds(time)},
-            {"capture_ntp", timestamps.audioCaptureTimestamp},
-            {"rendering_ntp", timestamps.audioRenderingTimestamp},
-            {"receiving_ntp", timestamps.audioReceivingTimestamp},
-            {"latency_ms", latencyMs()},
-            {"jitter_depth_ms", timestamps.jbmCurrentDepth},
-            {"time_utc", tools::isoTime(time)},
-            {"capture_utc", isoNtp(timestamps.audioCaptureTimestamp)},
-            {"rendering_utc", isoNtp(timestamps.audioRenderingTimestamp)},
-            {"receiving_utc", isoNtp(timestamps.audioReceivingTimestamp)},
-            {"error", nullptr}};
+    Record record{{"time", nullptr},
+                  {"capture_ntp", timestamps.audioCaptureTimestamp},
+                  {"rendering_ntp", timestamps.audioRenderingTimestamp},
+                  {"receiving_ntp", timestamps.audioReceivingTimestamp},
+                  {"latency_ms", latencyMs()},
+                  {"jitter_depth_ms", timestamps.jbmCurrentDepth},
+                  {"time_utc", nullptr},
+                  {"capture_utc", isoNtp(timestamps.audioCaptureTimestamp)},
+                  {"rendering_utc", isoNtp(timestamps.audioRenderingTimestamp)},
+                  {"receiving_utc", isoNtp(timestamps.audioReceivingTimestamp)},
+                  {"error", nullptr}};
+    if (failure) {
+        for (auto& value : record) {
+            value = nullptr;
+        }
+        record["error"] = failure->record();
+    }
+    record["time"] = std::chrono::duration<double>(time).count();
+    record["time_utc"] = tools::isoTime(time);
+    return record;
 }
 
 std::string Reading::text() const {
@@ -45,21 +50,16 @@ std::string Reading::text() const {
 
 Reading read(Connection& connection) {
     Reading reading;
-    reading.timestamps = connection.getTimestamps();
+    try {
+        if (!connection.isConnected()) {
+            connection.connect();
+        }
+        reading.timestamps = connection.getTimestamps();
+    } catch (const Failure& failure) {
+        reading.failure = failure;
+    }
     reading.time = tools::now();
     return reading;
-}
-
-Record outageRecord(const Failure& failure) {
-    const tools::Time time = tools::now();
-    Record record = Reading().record();
-    for (auto& value : record) {
-        value = nullptr;
-    }
-    record["time"] = toSeconds(time);
-    record["time_utc"] = tools::isoTime(time);
-    record["error"] = failure.record();
-    return record;
 }
 
 } // namespace lipsyncctl

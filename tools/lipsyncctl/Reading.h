@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "lipsync/common/LipSyncNtpTimestamps.h"
@@ -9,24 +10,23 @@
 
 namespace lipsyncctl {
 
-/// The engine's timestamps, and when they were read.
+/// The engine's timestamps, or why there are none, and when they were read.
 struct Reading {
     tools::Time time{};
     velta::zub::common::LipSyncNtpTimestamps timestamps;
+    std::optional<Failure> failure;
 
     /// The time from capture to rendering; ms.
     double latencyMs() const;
 
+    /// Always has the same keys. After a failure there are no figures.
     Record record() const;
 
-    /// One line for people.
+    /// One line for people. There must be timestamps.
     std::string text() const;
 };
 
-/// Asks the engine. Throws a `Failure`.
+/// Asks the engine. Connects if there is no connection.
 Reading read(Connection& connection);
-
-/// Takes the place of a reading in a stream of records: the same keys, but no figures.
-Record outageRecord(const Failure& failure);
 
 } // namespace lipsyncctl

@@ -1,11 +1,11 @@
 #include <unistd.h>
 
 #include "tools/common/Tool.h"
-#include "tools/lipsyncctl/TerminalWatch.h"
+#include "tools/lipsyncctl/watch/LiveView.h"
 
 namespace lipsyncctl {
 
-bool watchOnTerminal(const Options&, Tally&) {
+bool watchOnTerminal(const Options&, Poller&, Tally&, Interrupt&) {
     if (isatty(STDOUT_FILENO) == 1) {
         tools::complain("there is no live view, because this program was built without ncurses");
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/lipsyncctl/Interrupt.h"
 #include "tools/lipsyncctl/Options.h"
 #include "tools/lipsyncctl/Output.h"
 
@@ -8,6 +9,6 @@ namespace lipsyncctl {
 /// Reads timestamps until interrupted, or until the count or the time in the options is reached.
 /// Shows a live view if the format is text and standard output is a terminal with a cursor that can
 /// be moved, otherwise prints one line each. Throws a `Failure` if the time was too short.
-void watchTimestamps(const Options& options, Output& output);
+void watchTimestamps(const Options& options, Output& output, Interrupt& interrupt);
 
 } // namespace lipsyncctl

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <deque>
+#include <map>
 
 #include "tools/common/Time.h"
 
@@ -16,12 +16,7 @@ public:
     void draw(int top, int rows) const;
 
 private:
-    struct Second {
-        std::chrono::seconds time;
-        double latencyMs;
-    };
-
-    std::deque<Second> _lastMinute;
+    std::map<std::chrono::seconds, double> _maximaMs; ///< By second.
 };
 
 } // namespace lipsyncctl

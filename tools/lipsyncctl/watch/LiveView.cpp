@@ -1,16 +1,55 @@
-#include "tools/lipsyncctl/LiveView.h"
+#include "tools/lipsyncctl/watch/LiveView.h"
 
 #include <ncurses.h>
+#include <term.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cmath>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
 
 #include "tools/common/Text.h"
 #include "tools/common/Time.h"
+#include "tools/lipsyncctl/Log.h"
+#include "tools/lipsyncctl/watch/LatencyStrip.h"
 
 namespace lipsyncctl {
 
 namespace {
+
+/// The terminal, from the constructor to the destructor.
+class LiveView {
+public:
+    /// `tally` must outlive the view.
+    LiveView(const std::string& socket, Tally& tally);
+    ~LiveView();
+
+    LiveView(const LiveView&) = delete;
+    LiveView& operator=(const LiveView&) = delete;
+
+    /// Any thread.
+    void add(const Reading& reading);
+
+    /// `waitingTime` is how long the current call has been waiting.
+    void draw(std::chrono::duration<double> waitingTime);
+
+private:
+    std::string status(double waitingSeconds) const;
+    int drawReading(int row) const;
+    int drawFailure(int top, int end) const;
+
+    const std::string _title;
+    std::mutex _mutex;
+    std::optional<Reading> _reading; ///< The last one with figures.
+    std::optional<Failure> _failure; ///< If it is newer.
+    Tally& _tally;
+    LatencyStrip _strip;
+};
 
 // Writes one row; what does not fit is cut.
 void drawRow(int row, const std::string& text) {
@@ -51,8 +90,6 @@ bool wantsToQuit() {
     return quits;
 }
 
-} // namespace
-
 LiveView::LiveView(const std::string& socket, Tally& tally)
     : _title("lipsyncctl  " + tools::printable(socket)), _tally(tally) {
     // After the Esc key, ncurses waits for the rest of a key's sequence: by default for a second.
@@ -69,18 +106,18 @@ LiveView::~LiveView() {
     endwin();
 }
 
-void LiveView::add(const Poller::Event& event) {
-    _tally.add(event);
-    if (const auto* const reading = std::get_if<Reading>(&event)) {
-        _reading = *reading;
-        _failure.reset();
-        _strip.add(reading->time, reading->latencyMs());
-    } else {
-        _failure = std::get<Failure>(event);
+void LiveView::add(const Reading& reading) {
+    const std::lock_guard<std::mutex> lock(_mutex);
+    _tally.add(reading);
+    _failure = reading.failure;
+    if (!reading.failure) {
+        _reading = reading;
+        _strip.add(reading.time, reading.latencyMs());
     }
 }
 
-bool LiveView::refresh(std::chrono::duration<double> waitingTime) {
+void LiveView::draw(std::chrono::duration<double> waitingTime) {
+    const std::lock_guard<std::mutex> lock(_mutex);
     constexpr int rowsForBlanks = 16;
     const int blank = LINES >= rowsForBlanks ? 1 : 0;
     erase();
@@ -90,8 +127,7 @@ bool LiveView::refresh(std::chrono::duration<double> waitingTime) {
     const int end = LINES - 1;
     _strip.draw(top, drawFailure(top, end) - top);
     drawRow(end, "Press q or Ctrl-C to quit");
-    ::refresh();
-    return !wantsToQuit();
+    refresh();
 }
 
 std::string LiveView::status(double waitingSeconds) const {
@@ -136,6 +172,52 @@ int LiveView::drawFailure(int top, int end) const {
     const int rows = std::min(static_cast<int>(text.size()) / COLS + 1, end - top);
     mvaddnstr(end - rows, 0, text.c_str(), COLS * rows);
     return end - rows;
+}
+
+// Reads in a thread of its own, so that a silent engine does not hold up the keys.
+void show(const Options& options, Poller& poller, Tally& tally) {
+    LiveView view(options.socket, tally);
+    std::atomic<bool> isOver{false};
+    std::thread reading([&] {
+        poller.run([&](const Reading& result) {
+            view.add(result);
+            return !options.isEnough(tally.readings());
+        });
+        isOver = true;
+    });
+    while (!isOver && !wantsToQuit()) {
+        view.draw(poller.waitingTime());
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    poller.stop();
+    reading.join();
+}
+
+// Whether standard output is a terminal on which a program can write anywhere.
+bool hasMovableCursor() {
+    int error = 0;
+    if (isatty(STDOUT_FILENO) != 1 || setupterm(nullptr, STDOUT_FILENO, &error) != OK) {
+        return false;
+    }
+    const bool isMovable = cursor_address != nullptr;
+    del_curterm(cur_term);
+    return isMovable;
+}
+
+} // namespace
+
+bool watchOnTerminal(const Options& options, Poller& poller, Tally& tally, Interrupt& interrupt) {
+    if (!hasMovableCursor()) {
+        return false;
+    }
+    if (options.showsLog && isatty(STDERR_FILENO) == 1) {
+        // The log lines would overwrite the view.
+        dropLog();
+    }
+    interrupt.setHandler([&] { poller.stop(); });
+    show(options, poller, tally);
+    interrupt.setHandler(nullptr);
+    return true;
 }
 
 } // namespace lipsyncctl

@@ -1,0 +1,55 @@
+#include "tools/lipsyncctl/watch/Watch.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <string>
+
+#include "tools/common/Text.h"
+#include "tools/common/Tool.h"
+#include "tools/lipsyncctl/watch/LiveView.h"
+
+namespace lipsyncctl {
+
+namespace {
+
+void watchInLines(const Options& options, Poller& poller, Tally& tally, Output& output) {
+    std::string lastFailure;
+    poller.run([&](const Reading& reading) {
+        tally.add(reading);
+        const std::string failure = reading.failure ? reading.failure->what() : "";
+        if (!reading.failure) {
+            output.print(reading.record(), reading.text());
+        } else if (failure != lastFailure) {
+            tools::complain((reading.failure->isRefusal() ? "The engine refused the request: "
+                                                          : "Waiting for the engine: ") +
+                            failure);
+            output.print(reading.record(), "");
+        }
+        lastFailure = failure;
+        return !options.isEnough(tally.readings());
+    });
+}
+
+} // namespace
+
+void watchTimestamps(const Options& options, Output& output, Interrupt& interrupt) {
+    Poller poller(options);
+    Tally tally;
+    if (options.maxSeconds > 0) {
+        // Only output that nobody reads lasts longer.
+        alarm(options.maxSeconds + 1);
+    }
+    if (options.format == Format::Text && watchOnTerminal(options, poller, tally, interrupt)) {
+        output.print({}, tally.counts());
+        output.print({}, tally.latency());
+    } else {
+        watchInLines(options, poller, tally, output);
+    }
+    if (poller.isTimeUp() && tally.readings() < std::max(options.readings, 1ul)) {
+        throw Failure::timeout(
+            tools::printed("%lu readings within %u s", tally.readings(), options.maxSeconds));
+    }
+}
+
+} // namespace lipsyncctl
