@@ -17,56 +17,42 @@ Connection::Connection(std::string socket, std::chrono::milliseconds timeout, Wa
 }
 
 void Connection::connect() {
-    run([this] { return _service.connect(_socket); });
+    run([this](Service& service) { return service.connect(_socket); });
     _isConnected = true;
 }
 
-void Connection::setMargin(unsigned long ms) {
-    run([this, ms] { return _service.setAudioDelayMargin(ms); });
+double Connection::waitingSeconds() const {
+    const std::chrono::duration<double> time = Watchdog::Clock::now() - _start.load();
+    return std::max(time.count(), 0.0);
 }
 
-velta::zub::common::LipSyncNtpTimestamps Connection::getTimestamps() {
-    velta::zub::common::LipSyncNtpTimestamps timestamps;
-    run([this, &timestamps] { return _service.getAudioTimestamps(timestamps); });
-    return timestamps;
-}
-
-std::chrono::duration<double> Connection::waitingTime() const {
-    return std::max(Watchdog::Clock::now() - _start.load(), Watchdog::Clock::duration::zero());
-}
-
-template <typename Call>
-void Connection::run(const Call& call) {
+void Connection::run(const std::function<Service::Result(Service&)>& call) {
     _caller = pthread_self();
     const Watchdog::Time start = Watchdog::Clock::now();
     const Watchdog::Time end = _timeout.count() > 0 ? std::min(start + _timeout, _end) : _end;
     _start = start;
     const Service::Result result = [&] {
         const Watchdog::Deadline deadline(_watchdog, end);
-        return call();
+        return call(_service);
     }();
     _start = Watchdog::never;
     // The limit counts, even if the connection ended just after it, before it was cancelled.
-    if (_watchdog.ending() != Watchdog::Ending::Itself ||
-        (result.isFailure() && Watchdog::Clock::now() >= end)) {
-        throwTimeout();
+    const bool isTimeout = _watchdog.ending() != Watchdog::Ending::Itself ||
+                           (result.isFailure() && Watchdog::Clock::now() >= end);
+    if (!isTimeout && result.isSuccess()) {
+        return;
     }
-    if (result.isFailure()) {
-        const Failure failure(result.code, result.format());
-        if (_isConnected && !failure.isRefusal()) {
-            _service.disconnect();
-            _isConnected = false;
-        }
-        throw Failure(failure);
+    const Failure failure =
+        isTimeout
+            ? Failure::timeout((_isConnected ? "no answer within " : "no connection within ") +
+                               std::to_string(_timeout.count()) + " ms")
+            : Failure(result.code, result.format());
+    // It may have connected just after the limit.
+    if (isTimeout || (_isConnected && !failure.isRefusal())) {
+        _service.disconnect();
+        _isConnected = false;
     }
-}
-
-void Connection::throwTimeout() {
-    const std::string what = _isConnected ? "no answer within " : "no connection within ";
-    // It may have connected at the last moment.
-    _service.disconnect();
-    _isConnected = false;
-    throw Failure::timeout(what + std::to_string(_timeout.count()) + " ms");
+    throw Failure(failure);
 }
 
 void Connection::cancel() {

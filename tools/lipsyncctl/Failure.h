@@ -16,12 +16,13 @@ class Failure : public tools::Error {
 public:
     using Code = velta::zub::lipsyncapi::Service::ResultCode;
 
-    Failure(Code code, const std::string& text) : Failure(code, text, kindOf(code)) {}
+    Failure(Code code, const std::string& text, bool isTimeout = false)
+        : Error(text, kindOf(code).exitStatus),
+          _code(code),
+          _kind(isTimeout ? "timeout" : kindOf(code).name) {}
 
     /// A time limit that was exceeded.
-    static Failure timeout(const std::string& text) {
-        return {Code::TransportError, text, {"timeout", 4}};
-    }
+    static Failure timeout(const std::string& text) { return {Code::TransportError, text, true}; }
 
     bool isConnecting() const { return _code == Code::CannotConnect; }
 
@@ -47,9 +48,6 @@ private:
             default: return {"other", tools::exitFailure};
         }
     }
-
-    Failure(Code code, const std::string& text, const Kind& kind)
-        : Error(text, kind.exitStatus), _code(code), _kind(kind.name) {}
 
     Code _code;
     const char* _kind;

@@ -2,52 +2,61 @@
 
 #include <unistd.h>
 
+#include <csignal>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include "tools/common/Error.h"
 
 namespace lipsyncctl {
 
-Interrupt::Interrupt() {
-    sigemptyset(&_signals);
-    for (const int number : {SIGINT, SIGTERM, SIGALRM}) {
-        sigaddset(&_signals, number);
-    }
-    pthread_sigmask(SIG_BLOCK, &_signals, nullptr);
-    _thread = std::thread([this] { wait(); });
-}
+namespace {
 
-Interrupt::~Interrupt() {
-    {
-        const std::lock_guard<std::mutex> lock(_mutex);
-        _isEnding = true;
-    }
-    pthread_kill(_thread.native_handle(), SIGTERM);
-    _thread.join();
-}
+struct State {
+    std::mutex mutex;
+    std::function<void()> handler;
+    int exitStatus = 0;
+};
 
-void Interrupt::setHandler(std::function<void()> handler) {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    _handler = std::move(handler);
-}
+// Never destroyed, because the thread goes on until the process ends.
+State& state = *new State;
 
-void Interrupt::wait() {
+void waitForSignals(const sigset_t& signals) {
     constexpr int killedBySignal = 128;
     for (;;) {
         int number = 0;
-        sigwait(&_signals, &number);
-        const std::lock_guard<std::mutex> lock(_mutex);
-        if (_isEnding) {
-            return;
-        }
+        sigwait(&signals, &number);
+        const std::lock_guard<std::mutex> lock(state.mutex);
         // At the end of the time, output that is lost is a failure.
-        const int status = number == SIGALRM ? tools::exitFailure : killedBySignal + number;
-        if (!_handler) {
-            _exit(status);
+        state.exitStatus = number == SIGALRM ? tools::exitFailure : killedBySignal + number;
+        if (!state.handler) {
+            _exit(state.exitStatus);
         }
-        _exitStatus = status;
-        _handler();
+        state.handler();
     }
+}
+
+} // namespace
+
+void takeInterrupts() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int number : {SIGINT, SIGTERM, SIGALRM}) {
+        sigaddset(&signals, number);
+    }
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    std::thread([signals] { waitForSignals(signals); }).detach();
+}
+
+void setInterruptHandler(std::function<void()> handler) {
+    const std::lock_guard<std::mutex> lock(state.mutex);
+    state.handler = std::move(handler);
+}
+
+int interruptStatus() {
+    const std::lock_guard<std::mutex> lock(state.mutex);
+    return state.exitStatus;
 }
 
 } // namespace lipsyncctl

@@ -1,6 +1,7 @@
 #include "tools/lipsyncctl/Log.h"
 
 #include <android/log.h>
+#include <unistd.h>
 
 #include <cstdarg>
 #include <cstdio>
@@ -8,19 +9,12 @@
 
 namespace lipsyncctl {
 
-namespace {
-
-bool isLogDropped = false;
-
-} // namespace
-
 void dropLog() {
     // The library writes its lines to the C stream `stderr`, which is an ordinary variable in the
     // GNU C library. Descriptor 2 stays as it is, so what does not go through this variable still
     // reaches the user: std::cerr, and the messages of sanitizers and of the C library.
     if (std::FILE* const nowhere = std::fopen("/dev/null", "we")) {
         stderr = nowhere;
-        isLogDropped = true;
     }
 }
 
@@ -34,7 +28,7 @@ extern "C" __attribute__((visibility("default"))) int __android_log_vprint(int p
                                                                            const char* tag,
                                                                            const char* format,
                                                                            va_list args) {
-    if (lipsyncctl::isLogDropped && priority == ANDROID_LOG_FATAL) {
+    if (fileno(stderr) != STDERR_FILENO && priority == ANDROID_LOG_FATAL) {
         char text[512];
         std::vsnprintf(text, sizeof(text), format, args);
         std::cerr << "F/" + std::string(tag) + ' ' + text + '\n';

@@ -119,44 +119,42 @@ void declareGeneralOptions(CLI::App& app, Options& options) {
 }
 
 constexpr const char* notes =
-    "Results go to standard output, errors to standard error. With --format json, an\n"
-    "error is also an object on standard output, except for wrong usage:\n"
-    "  {\"error\":{\"kind\":\"timeout\",\"code\":1005,\"text\":\"no answer ...\"}}\n"
-    "While a watch gets no readings, its records have an \"error\" and no figures.\n"
-    "\nExit status:\n"
-    "  0    success\n"
-    "  1    any other failure, for example if the results cannot be written\n"
-    "  2    wrong usage\n"
-    "  3    cannot connect to the engine (kind \"cannot-connect\")\n"
-    "  4    the connection failed (\"transport\"), or a time limit passed (\"timeout\")\n"
-    "  5    the engine is not in a call (\"not-in-call\")\n"
-    "  6    the engine refused the request (\"refused\")\n"
-    "  130  interrupted by SIGINT; 143 by SIGTERM\n"
-    "\nExamples:\n"
-    "  lipsyncctl timestamps\n"
-    "  lipsyncctl margin set 40 --socket /tmp/engine --timeout 500\n"
-    "  lipsyncctl timestamps --watch\n"
-    "  lipsyncctl timestamps --interval 100 --max-time 60 --format csv > run.csv\n"
-    "  lipsyncctl ping --count 1000 --format json\n";
+    R"(Results go to standard output, errors to standard error. With --format json, an
+error is also an object on standard output, except for wrong usage:
+  {"error":{"kind":"timeout","code":1005,"text":"no answer ..."}}
+While a watch gets no readings, its records have an "error" and no figures.
 
-void declareOptions(CLI::App& app, Options& options) {
-    app.name("lipsyncctl");
-    app.description("Talks to the audio engine's lip-sync socket from the command line.");
+Exit status:
+  0    success
+  1    any other failure, for example if the results cannot be written
+  2    wrong usage
+  3    cannot connect to the engine (kind "cannot-connect")
+  4    the connection failed ("transport"), or a time limit passed ("timeout")
+  5    the engine is not in a call ("not-in-call")
+  6    the engine refused the request ("refused")
+  130  interrupted by SIGINT; 143 by SIGTERM
+
+Examples:
+  lipsyncctl timestamps
+  lipsyncctl margin set 40 --socket /tmp/engine --timeout 500
+  lipsyncctl timestamps --watch
+  lipsyncctl timestamps --interval 100 --max-time 60 --format csv > run.csv
+  lipsyncctl ping --count 1000 --format json
+)";
+
+} // namespace
+
+bool readOptions(int argc, char** argv, Options& options) {
+    CLI::App app("Talks to the audio engine's lip-sync socket from the command line.",
+                 "lipsyncctl");
     app.require_subcommand(1);
+    app.footer(notes);
     declareGeneralOptions(app, options);
     declareCommand(app, options, "capabilities", Command::Capabilities,
                    "Print the largest margin and the step between margins");
     declareMargin(app, options);
     declareTimestamps(app, options);
     declarePing(app, options);
-    app.footer(notes);
-}
-
-} // namespace
-
-bool readOptions(int argc, char** argv, Options& options) {
-    CLI::App app;
-    declareOptions(app, options);
     return tools::parseCommandLine(app, argc, argv);
 }
 

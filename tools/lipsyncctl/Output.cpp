@@ -21,25 +21,15 @@ std::string json(const Record& value) {
     return value.dump(-1, ' ', true, Record::error_handler_t::replace);
 }
 
-std::string quoted(const std::string& text) {
-    if (text.find_first_of(",\"") == std::string::npos) {
-        return text;
-    }
-    std::ostringstream result;
-    result << std::quoted(text, '"', '"');
-    return result.str();
-}
-
 // A missing value is an empty cell. For an error the cell has only its text, which contains the
 // code.
 std::string cell(const Record& value) {
-    if (value.is_null()) {
-        return "";
-    }
     if (value.is_object()) {
-        return cell(value["text"]);
+        std::ostringstream text;
+        text << std::quoted(tools::printable(value["text"]), '"', '"');
+        return text.str();
     }
-    return value.is_string() ? quoted(tools::printable(value.get<std::string>())) : json(value);
+    return value.is_null() ? "" : value.is_string() ? value.get<std::string>() : json(value);
 }
 
 void writeLine(const std::string& line) {

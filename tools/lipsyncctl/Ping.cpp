@@ -1,82 +1,66 @@
-#include "tools/lipsyncctl/Ping.h"
-
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "tools/common/Text.h"
+#include "tools/lipsyncctl/Commands.h"
+#include "tools/lipsyncctl/Interrupt.h"
+#include "tools/lipsyncctl/Reading.h"
 
 namespace lipsyncctl {
 
 namespace {
 
-struct Figures {
-    std::vector<double> times; // ms
-    unsigned long refusals = 0;
-};
-
-// Throws a failure that is no refusal.
-void measure(Connection& connection, unsigned long exchanges, Figures& figures) {
-    figures.times.reserve(exchanges);
-    while (figures.times.size() < exchanges) {
-        const auto start = std::chrono::steady_clock::now();
-        try {
-            connection.getTimestamps();
-        } catch (const Failure& failure) {
-            if (!failure.isRefusal()) {
-                throw;
-            }
-            ++figures.refusals;
-        }
-        const std::chrono::duration<double, std::milli> time =
-            std::chrono::steady_clock::now() - start;
-        figures.times.push_back(time.count());
-    }
-}
-
 // The smallest value such that at least this share of the values are not larger.
 double percentile(const std::vector<double>& sorted, double share) {
     const auto rank =
         static_cast<std::size_t>(std::ceil(share * static_cast<double>(sorted.size())));
-    return sorted[std::clamp<std::size_t>(rank, 1, sorted.size()) - 1];
+    return sorted[std::max<std::size_t>(rank, 1) - 1];
 }
 
-void print(Figures& figures, Output& output) {
-    std::vector<double>& times = figures.times;
+void print(std::vector<double> times, unsigned long refusals, Output& output) {
     std::sort(times.begin(), times.end());
-    const auto figure = [&](double share) {
-        return times.empty() ? Record() : Record(percentile(times, share));
-    };
-    std::string text = tools::printed("%zu exchanges, %lu refused", times.size(), figures.refusals);
-    if (!times.empty()) {
-        text += tools::printed(": min %.3f, median %.3f, p99 %.3f, max %.3f ms", times.front(),
-                               percentile(times, 0.5), percentile(times, 0.99), times.back());
+    Record record{{"exchanges", times.size()}};
+    std::string text = tools::printed("%zu exchanges, %lu refused", times.size(), refusals);
+    constexpr std::pair<const char*, double> shares[] = {
+        {"min", 0}, {"median", 0.5}, {"p99", 0.99}, {"max", 1}};
+    const char* separator = ":";
+    for (const auto& [name, share] : shares) {
+        Record& figure = record[std::string(name) + "_ms"];
+        if (!times.empty()) {
+            figure = percentile(times, share);
+            text += tools::printed("%s %s %.3f", separator, name, figure.get<double>());
+            separator = ",";
+        }
     }
-    output.print({{"exchanges", times.size()},
-                  {"min_ms", figure(0)},
-                  {"median_ms", figure(0.5)},
-                  {"p99_ms", figure(0.99)},
-                  {"max_ms", figure(1)},
-                  {"refusals", figures.refusals}},
-                 text);
+    record["refusals"] = refusals;
+    output.print(record, text + (times.empty() ? "" : " ms"));
 }
 
 } // namespace
 
-void ping(Connection& connection, unsigned long exchanges, Output& output, Interrupt& interrupt) {
-    Figures figures;
+void ping(Connection& connection, unsigned long exchanges, Output& output) {
+    std::vector<double> times; // ms
+    unsigned long refusals = 0;
     std::optional<Failure> failure;
-    interrupt.setHandler([&] { connection.stop(); });
-    try {
-        measure(connection, exchanges, figures);
-    } catch (const Failure& caught) {
-        failure = caught;
+    setInterruptHandler([&] { connection.stop(); });
+    while (times.size() < exchanges) {
+        const auto start = std::chrono::steady_clock::now();
+        failure = read(connection).failure;
+        const std::chrono::duration<double, std::milli> time =
+            std::chrono::steady_clock::now() - start;
+        if (failure && !failure->isRefusal()) {
+            break;
+        }
+        times.push_back(time.count());
+        refusals += failure ? 1 : 0;
     }
-    interrupt.setHandler(nullptr);
-    print(figures, output);
-    if (failure && interrupt.exitStatus() == 0) {
+    setInterruptHandler(nullptr);
+    print(times, refusals, output);
+    if (failure && !failure->isRefusal() && interruptStatus() == 0) {
         throw Failure(*failure);
     }
 }

@@ -4,20 +4,13 @@
 
 namespace lipsyncctl {
 
-namespace {
-
-std::string isoNtp(unsigned long ntp) {
-    return tools::isoTime(tools::fromNtp(ntp));
-}
-
-} // namespace
-
 double Reading::latencyMs() const {
     return tools::msBetween(timestamps.audioCaptureTimestamp, timestamps.audioRenderingTimestamp);
 }
 
 // NTP numbers have 64 bits. Many JSON readers keep only 53, so the times are there as text too.
 Record Reading::record() const {
+    const auto utc = [](unsigned long ntp) { return tools::isoTime(tools::fromNtp(ntp)); };
     Record record{{"time", nullptr},
                   {"capture_ntp", timestamps.audioCaptureTimestamp},
                   {"rendering_ntp", timestamps.audioRenderingTimestamp},
@@ -25,9 +18,9 @@ Record Reading::record() const {
                   {"latency_ms", latencyMs()},
                   {"jitter_depth_ms", timestamps.jbmCurrentDepth},
                   {"time_utc", nullptr},
-                  {"capture_utc", isoNtp(timestamps.audioCaptureTimestamp)},
-                  {"rendering_utc", isoNtp(timestamps.audioRenderingTimestamp)},
-                  {"receiving_utc", isoNtp(timestamps.audioReceivingTimestamp)},
+                  {"capture_utc", utc(timestamps.audioCaptureTimestamp)},
+                  {"rendering_utc", utc(timestamps.audioRenderingTimestamp)},
+                  {"receiving_utc", utc(timestamps.audioReceivingTimestamp)},
                   {"error", nullptr}};
     if (failure) {
         for (auto& value : record) {
@@ -54,7 +47,8 @@ Reading read(Connection& connection) {
         if (!connection.isConnected()) {
             connection.connect();
         }
-        reading.timestamps = connection.getTimestamps();
+        connection.run(
+            [&](auto& service) { return service.getAudioTimestamps(reading.timestamps); });
     } catch (const Failure& failure) {
         reading.failure = failure;
     }

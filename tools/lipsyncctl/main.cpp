@@ -4,14 +4,10 @@
 
 #include "tools/common/Text.h"
 #include "tools/common/Tool.h"
-#include "tools/lipsyncctl/Connection.h"
+#include "tools/lipsyncctl/Commands.h"
 #include "tools/lipsyncctl/Interrupt.h"
 #include "tools/lipsyncctl/Log.h"
-#include "tools/lipsyncctl/Options.h"
-#include "tools/lipsyncctl/Output.h"
-#include "tools/lipsyncctl/Ping.h"
 #include "tools/lipsyncctl/Reading.h"
-#include "tools/lipsyncctl/watch/Watch.h"
 
 namespace lipsyncctl {
 
@@ -20,13 +16,13 @@ namespace {
 void printCapabilities(Connection& connection, Output& output) {
     unsigned long granularityMs = 0;
     unsigned long maxMs = 0;
-    connection.service().getCapabilities(granularityMs, maxMs);
+    connection.run([&](auto& service) { return service.getCapabilities(granularityMs, maxMs); });
     output.print({{"granularity_ms", granularityMs}, {"max_margin_ms", maxMs}},
                  tools::printed("margins of 0 to %lu ms in steps of %lu ms", maxMs, granularityMs));
 }
 
 void setMargin(Connection& connection, unsigned long marginMs, Output& output) {
-    connection.setMargin(marginMs);
+    connection.run([=](auto& service) { return service.setAudioDelayMargin(marginMs); });
     output.print({{"margin_ms", marginMs}},
                  tools::printed("the engine delays the audio by %lu ms", marginMs));
 }
@@ -41,25 +37,21 @@ void printTimestamps(Connection& connection, Output& output) {
 
 // Until the engine listens, or the time to wait for it is over.
 void connect(Connection& connection, std::chrono::seconds wait) {
-    using std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds pause{50};
-    const auto end = steady_clock::now() + wait;
-    for (;;) {
+    const auto end = std::chrono::steady_clock::now() + wait;
+    for (;; std::this_thread::sleep_for(std::chrono::milliseconds(50))) {
         try {
-            connection.connect();
-            return;
+            return connection.connect();
         } catch (const Failure& failure) {
-            if (!failure.isConnecting() || steady_clock::now() + pause > end) {
+            if (!failure.isConnecting() || std::chrono::steady_clock::now() >= end) {
                 throw;
             }
         }
-        std::this_thread::sleep_for(pause);
     }
 }
 
-void run(const Options& options, Output& output, Interrupt& interrupt) {
+void run(const Options& options, Output& output) {
     if (options.watch) {
-        watchTimestamps(options, output, interrupt);
+        watchTimestamps(options, output);
         return;
     }
     Connection connection(options.socket, std::chrono::milliseconds(options.timeoutMs));
@@ -68,11 +60,11 @@ void run(const Options& options, Output& output, Interrupt& interrupt) {
         case Command::Capabilities: printCapabilities(connection, output); break;
         case Command::SetMargin: setMargin(connection, options.marginMs, output); break;
         case Command::Timestamps: printTimestamps(connection, output); break;
-        case Command::Ping: ping(connection, options.exchanges, output, interrupt); break;
+        case Command::Ping: ping(connection, options.exchanges, output); break;
     }
 }
 
-int runTool(int argc, char** argv, Interrupt& interrupt) {
+int runCommand(int argc, char** argv) {
     Options options;
     if (!readOptions(argc, argv, options)) {
         return EXIT_SUCCESS;
@@ -82,14 +74,14 @@ int runTool(int argc, char** argv, Interrupt& interrupt) {
     }
     Output output(options.format);
     try {
-        run(options, output, interrupt);
+        run(options, output);
     } catch (const Failure& failure) {
         if (options.format == Format::Json) {
             output.print({{"error", failure.record()}}, "");
         }
         throw;
     }
-    return interrupt.exitStatus();
+    return interruptStatus();
 }
 
 } // namespace
@@ -97,6 +89,6 @@ int runTool(int argc, char** argv, Interrupt& interrupt) {
 } // namespace lipsyncctl
 
 int main(int argc, char** argv) {
-    lipsyncctl::Interrupt interrupt;
-    return tools::runTool("lipsyncctl", [&] { return lipsyncctl::runTool(argc, argv, interrupt); });
+    lipsyncctl::takeInterrupts();
+    return tools::runTool("lipsyncctl", [=] { return lipsyncctl::runCommand(argc, argv); });
 }

@@ -1,7 +1,14 @@
 #pragma once
 
-#include <map>
+#include <ncurses.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <map>
+#include <string>
+
+#include "tools/common/Text.h"
 #include "tools/common/Time.h"
 
 namespace lipsyncctl {
@@ -10,13 +17,62 @@ namespace lipsyncctl {
 /// the right.
 class LatencyStrip {
 public:
-    void add(tools::Time time, double latencyMs);
+    void add(tools::Time time, double latencyMs) {
+        const Second second = std::chrono::floor<Second>(time);
+        double& maximum = _maximaMs.try_emplace(second, latencyMs).first->second;
+        maximum = std::max(maximum, latencyMs);
+        _maximaMs.erase(_maximaMs.begin(), _maximaMs.upper_bound(second - Second(seconds)));
+    }
 
     /// Draws into these rows of the screen. Draws nothing if they are too few.
-    void draw(int top, int rows) const;
+    void draw(int top, int rows) const {
+        // One row for the title and one for the axis.
+        const int height = std::min(rows - 2, 8);
+        if (_maximaMs.empty() || height < 3) {
+            return;
+        }
+        constexpr double stepMs = 50;
+        double bottomMs = 0;
+        double topMs = stepMs;
+        for (const auto& [second, ms] : _maximaMs) {
+            bottomMs = std::min(bottomMs, std::floor(ms / stepMs) * stepMs);
+            topMs = std::max(topMs, std::ceil(ms / stepMs) * stepMs);
+        }
+        mvaddnstr(top, 0, "Maximum latency in each second of the last minute, ms", COLS);
+        const int axis = drawAxes(top + 1, height, bottomMs, topMs);
+        const int right = std::min(axis + seconds, COLS - 1);
+        const auto present = std::chrono::floor<Second>(tools::now());
+        for (const auto& [second, ms] : _maximaMs) {
+            const auto age = (present - second).count();
+            if (age >= 0 && age < right - axis) {
+                // At least one cell, so that every value can be seen.
+                const double share = (ms - bottomMs) / (topMs - bottomMs);
+                const int cells = std::max(static_cast<int>(std::lround(share * height)), 1);
+                mvvline(top + 1 + height - cells, right - static_cast<int>(age), ACS_CKBOARD,
+                        cells);
+            }
+        }
+    }
 
 private:
-    std::map<std::chrono::seconds, double> _maximaMs; ///< By second.
+    using Second = std::chrono::seconds;
+
+    static constexpr int seconds = 60;
+
+    // Draws the labels and the lines around the columns. Returns the column of the vertical line.
+    static int drawAxes(int top, int height, double bottomMs, double topMs) {
+        const std::string highest = tools::printed("%5.0f", topMs);
+        const std::string lowest = tools::printed("%5.0f", bottomMs);
+        const int column = static_cast<int>(std::max(highest.size(), lowest.size())) + 1;
+        mvaddstr(top, 0, highest.c_str());
+        mvaddstr(top + height, 0, lowest.c_str());
+        mvvline(top, column, ACS_VLINE, height);
+        mvhline(top + height, column, ACS_HLINE, std::clamp(COLS - column - 1, 1, seconds + 1));
+        mvaddch(top + height, column, ACS_LLCORNER);
+        return column;
+    }
+
+    std::map<Second, double> _maximaMs; ///< By second.
 };
 
 } // namespace lipsyncctl

@@ -15,6 +15,7 @@
 
 #include "tools/common/Text.h"
 #include "tools/common/Time.h"
+#include "tools/lipsyncctl/Interrupt.h"
 #include "tools/lipsyncctl/Log.h"
 #include "tools/lipsyncctl/watch/LatencyStrip.h"
 
@@ -22,64 +23,118 @@ namespace lipsyncctl {
 
 namespace {
 
-/// The terminal, from the constructor to the destructor.
-class LiveView {
-public:
-    /// `tally` must outlive the view.
-    LiveView(const std::string& socket, Tally& tally);
-    ~LiveView();
-
-    LiveView(const LiveView&) = delete;
-    LiveView& operator=(const LiveView&) = delete;
-
-    /// Any thread.
-    void add(const Reading& reading);
-
-    /// `waitingTime` is how long the current call has been waiting.
-    void draw(std::chrono::duration<double> waitingTime);
-
-private:
-    std::string status(double waitingSeconds) const;
-    int drawReading(int row) const;
-    int drawFailure(int top, int end) const;
-
-    const std::string _title;
-    std::mutex _mutex;
-    std::optional<Reading> _reading; ///< The last one with figures.
-    std::optional<Failure> _failure; ///< If it is newer.
-    Tally& _tally;
-    LatencyStrip _strip;
-};
-
 // Writes one row; what does not fit is cut.
 void drawRow(int row, const std::string& text) {
     mvaddnstr(row, 0, text.c_str(), COLS);
 }
 
-void drawValue(int row, const char* label, const std::string& value) {
-    drawRow(row, tools::printed("%-16s", label) + value);
-}
-
-// Draws the depth with a bar in the rest of the row, if there is room.
-void drawJitterBuffer(int row, unsigned long depthMs) {
-    constexpr double fullMs = 200;
-    const std::string depth = tools::printed("%4lu ms ", depthMs);
-    drawValue(row, "Jitter buffer", depth);
-    const int column = 16 + static_cast<int>(depth.size());
-    const int cells = std::min(40, COLS - column - 6);
-    if (cells < 5) {
-        return;
+// Owns the terminal, and draws what the watch has seen.
+class LiveView {
+public:
+    // `tally` must outlive the view.
+    LiveView(const std::string& socket, Tally& tally)
+        : _title("lipsyncctl  " + tools::printable(socket)), _tally(tally) {
+        // After the Esc key, ncurses waits for the rest of a key's sequence: by default for a
+        // second.
+        set_escdelay(25);
+        initscr();
+        cbreak();
+        noecho();
+        nodelay(stdscr, TRUE);
+        keypad(stdscr, TRUE);
+        curs_set(0);
     }
-    const double share = std::min(static_cast<double>(depthMs) / fullMs, 1.0);
-    mvaddch(row, column, '[');
-    mvhline(row, column + 1, ACS_CKBOARD, static_cast<int>(std::lround(share * cells)));
-    mvprintw(row, column + 1 + cells, "] %.0f", fullMs);
-}
 
-std::string dataAge(tools::Time time) {
-    const std::chrono::duration<double> age = tools::now() - time;
-    return tools::printed("data %.1f s old", std::max(0.0, age.count()));
-}
+    ~LiveView() { endwin(); }
+
+    LiveView(const LiveView&) = delete;
+    LiveView& operator=(const LiveView&) = delete;
+
+    // Any thread.
+    void add(const Reading& reading) {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        _tally.add(reading);
+        _failure = reading.failure;
+        if (!reading.failure) {
+            _reading = reading;
+            _strip.add(reading.time, reading.latencyMs());
+        }
+    }
+
+    // Draws everything. The current call has been waiting for `waitingSeconds`.
+    void draw(double waitingSeconds) {
+        const std::lock_guard<std::mutex> lock(_mutex);
+        constexpr int rowsForBlanks = 16;
+        const int blank = LINES >= rowsForBlanks ? 1 : 0;
+        erase();
+        drawRow(0, _title);
+        drawRow(1, state(waitingSeconds) + ", " + dataAge());
+        const int top = drawReading(2 + blank) + blank;
+        const int end = LINES - 1;
+        _strip.draw(top, drawFailure(top, end) - top);
+        drawRow(end, "Press q or Ctrl-C to quit");
+        refresh();
+    }
+
+private:
+    std::string state(double waitingSeconds) const {
+        if (waitingSeconds >= 1) {
+            return tools::printed("No answer for %.0f s", std::floor(waitingSeconds));
+        }
+        if (_failure) {
+            return _failure->isRefusal() ? "Refused by the engine" : "Waiting for the engine";
+        }
+        return _reading ? "Connected" : "Connecting";
+    }
+
+    std::string dataAge() const {
+        if (!_reading) {
+            return "no data yet";
+        }
+        const std::chrono::duration<double> age = tools::now() - _reading->time;
+        return tools::printed("data %.1f s old", std::max(0.0, age.count()));
+    }
+
+    // Returns the row after the last one.
+    int drawReading(int row) const {
+        if (_reading) {
+            const auto& timestamps = _reading->timestamps;
+            const auto drawTime = [&](const char* label, unsigned long ntp) {
+                drawRow(row++, label + tools::timeOfDay(tools::fromNtp(ntp)));
+            };
+            drawTime("Captured        ", timestamps.audioCaptureTimestamp);
+            drawTime("Received        ", timestamps.audioReceivingTimestamp);
+            drawTime("Rendered        ", timestamps.audioRenderingTimestamp);
+            drawRow(row++, tools::printed("Latency         %.1f ms from capture to rendering",
+                                          _reading->latencyMs()));
+            drawRow(row++, tools::printed("Jitter buffer   %lu ms", timestamps.jbmCurrentDepth));
+        }
+        drawRow(row++, _tally.counts());
+        return row;
+    }
+
+    // Draws the text of the failure above the row `end`. Returns its first row. The figures, which
+    // end above `top`, have priority.
+    int drawFailure(int top, int end) const {
+        if (!_failure || top >= end) {
+            return end;
+        }
+        // A message may be very long. A character has up to four bytes.
+        const int room = COLS * (end - top);
+        const std::string start = std::string(_failure->what()).substr(0, 4 * std::size_t(room));
+        const std::string text = tools::printable(start);
+        const int rows = std::min(static_cast<int>(text.size()) / COLS + 1, end - top);
+        mvaddnstr(end - rows, 0, text.c_str(), COLS * rows);
+        return end - rows;
+    }
+
+    const std::string _title;
+    std::mutex _mutex;
+    std::optional<Reading> _reading; // The last one with figures.
+    std::optional<Failure> _failure; // If it is newer.
+    Tally& _tally;
+    LatencyStrip _strip;
+};
 
 bool wantsToQuit() {
     constexpr int escape = 27;
@@ -88,90 +143,6 @@ bool wantsToQuit() {
         quits = quits || key == 'q' || key == 'Q' || key == escape;
     }
     return quits;
-}
-
-LiveView::LiveView(const std::string& socket, Tally& tally)
-    : _title("lipsyncctl  " + tools::printable(socket)), _tally(tally) {
-    // After the Esc key, ncurses waits for the rest of a key's sequence: by default for a second.
-    set_escdelay(25);
-    initscr();
-    cbreak();
-    noecho();
-    nodelay(stdscr, TRUE);
-    keypad(stdscr, TRUE);
-    curs_set(0);
-}
-
-LiveView::~LiveView() {
-    endwin();
-}
-
-void LiveView::add(const Reading& reading) {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    _tally.add(reading);
-    _failure = reading.failure;
-    if (!reading.failure) {
-        _reading = reading;
-        _strip.add(reading.time, reading.latencyMs());
-    }
-}
-
-void LiveView::draw(std::chrono::duration<double> waitingTime) {
-    const std::lock_guard<std::mutex> lock(_mutex);
-    constexpr int rowsForBlanks = 16;
-    const int blank = LINES >= rowsForBlanks ? 1 : 0;
-    erase();
-    drawRow(0, _title);
-    drawRow(1, status(waitingTime.count()));
-    const int top = drawReading(2 + blank) + blank;
-    const int end = LINES - 1;
-    _strip.draw(top, drawFailure(top, end) - top);
-    drawRow(end, "Press q or Ctrl-C to quit");
-    refresh();
-}
-
-std::string LiveView::status(double waitingSeconds) const {
-    constexpr double patienceSeconds = 1;
-    std::string state = "Connected";
-    if (waitingSeconds >= patienceSeconds) {
-        state = tools::printed("No answer for %.0f s", std::floor(waitingSeconds));
-    } else if (_failure) {
-        state = _failure->isRefusal() ? "Refused by the engine" : "Waiting for the engine";
-    } else if (!_reading) {
-        state = "Connecting";
-    }
-    return state + ", " + (_reading ? dataAge(_reading->time) : "no data yet");
-}
-
-// Returns the row after the last one.
-int LiveView::drawReading(int row) const {
-    if (_reading) {
-        const auto& timestamps = _reading->timestamps;
-        const auto time = [](unsigned long ntp) { return tools::timeOfDay(tools::fromNtp(ntp)); };
-        drawValue(row++, "Captured", time(timestamps.audioCaptureTimestamp));
-        drawValue(row++, "Received", time(timestamps.audioReceivingTimestamp));
-        drawValue(row++, "Rendered", time(timestamps.audioRenderingTimestamp));
-        drawValue(row++, "Latency",
-                  tools::printed("%.1f ms from capture to rendering", _reading->latencyMs()));
-        drawJitterBuffer(row++, timestamps.jbmCurrentDepth);
-    }
-    drawRow(row++, _tally.counts());
-    return row;
-}
-
-// Draws the text of the failure above the row `end`. Returns its first row. The figures, which end
-// above `top`, have priority.
-int LiveView::drawFailure(int top, int end) const {
-    if (!_failure || top >= end) {
-        return end;
-    }
-    // A message may be very long. A character has up to four bytes.
-    const int room = COLS * (end - top);
-    const std::string start = std::string(_failure->what()).substr(0, 4 * std::size_t(room));
-    const std::string text = tools::printable(start);
-    const int rows = std::min(static_cast<int>(text.size()) / COLS + 1, end - top);
-    mvaddnstr(end - rows, 0, text.c_str(), COLS * rows);
-    return end - rows;
 }
 
 // Reads in a thread of its own, so that a silent engine does not hold up the keys.
@@ -186,7 +157,7 @@ void show(const Options& options, Poller& poller, Tally& tally) {
         isOver = true;
     });
     while (!isOver && !wantsToQuit()) {
-        view.draw(poller.waitingTime());
+        view.draw(poller.waitingSeconds());
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
     poller.stop();
@@ -206,7 +177,7 @@ bool hasMovableCursor() {
 
 } // namespace
 
-bool watchOnTerminal(const Options& options, Poller& poller, Tally& tally, Interrupt& interrupt) {
+bool watchOnTerminal(const Options& options, Poller& poller, Tally& tally) {
     if (!hasMovableCursor()) {
         return false;
     }
@@ -214,9 +185,9 @@ bool watchOnTerminal(const Options& options, Poller& poller, Tally& tally, Inter
         // The log lines would overwrite the view.
         dropLog();
     }
-    interrupt.setHandler([&] { poller.stop(); });
+    setInterruptHandler([&] { poller.stop(); });
     show(options, poller, tally);
-    interrupt.setHandler(nullptr);
+    setInterruptHandler(nullptr);
     return true;
 }
 

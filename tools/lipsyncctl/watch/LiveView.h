@@ -1,6 +1,5 @@
 #pragma once
 
-#include "tools/lipsyncctl/Interrupt.h"
 #include "tools/lipsyncctl/Options.h"
 #include "tools/lipsyncctl/watch/Poller.h"
 #include "tools/lipsyncctl/watch/Tally.h"
@@ -9,6 +8,6 @@ namespace lipsyncctl {
 
 /// Shows the readings full-screen on the terminal, until the poller ends, a signal comes or the
 /// user quits. Returns false if standard output cannot show the view.
-bool watchOnTerminal(const Options& options, Poller& poller, Tally& tally, Interrupt& interrupt);
+bool watchOnTerminal(const Options& options, Poller& poller, Tally& tally);
 
 } // namespace lipsyncctl

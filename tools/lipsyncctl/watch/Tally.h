@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <limits>
 #include <string>
 
 #include "tools/common/Text.h"
@@ -18,8 +19,8 @@ public:
         _refusals += reading.failure && !isOutage ? 1 : 0;
         if (!reading.failure) {
             const double latencyMs = reading.latencyMs();
-            _minMs = _readings == 0 ? latencyMs : std::min(_minMs, latencyMs);
-            _maxMs = _readings == 0 ? latencyMs : std::max(_maxMs, latencyMs);
+            _minMs = std::min(_minMs, latencyMs);
+            _maxMs = std::max(_maxMs, latencyMs);
             _sumMs += latencyMs;
             ++_readings;
         }
@@ -46,8 +47,8 @@ private:
     unsigned long _refusals = 0;
     unsigned long _outages = 0; ///< Of any length.
     bool _isOutage = false;
-    double _minMs = 0;
-    double _maxMs = 0;
+    double _minMs = std::numeric_limits<double>::infinity();
+    double _maxMs = -_minMs;
     double _sumMs = 0;
 };
 

@@ -1,5 +1,3 @@
-#include "tools/lipsyncctl/watch/Watch.h"
-
 #include <unistd.h>
 
 #include <algorithm>
@@ -7,6 +5,7 @@
 
 #include "tools/common/Text.h"
 #include "tools/common/Tool.h"
+#include "tools/lipsyncctl/Commands.h"
 #include "tools/lipsyncctl/watch/LiveView.h"
 
 namespace lipsyncctl {
@@ -33,14 +32,14 @@ void watchInLines(const Options& options, Poller& poller, Tally& tally, Output& 
 
 } // namespace
 
-void watchTimestamps(const Options& options, Output& output, Interrupt& interrupt) {
+void watchTimestamps(const Options& options, Output& output) {
     Poller poller(options);
     Tally tally;
     if (options.maxSeconds > 0) {
         // Only output that nobody reads lasts longer.
         alarm(options.maxSeconds + 1);
     }
-    if (options.format == Format::Text && watchOnTerminal(options, poller, tally, interrupt)) {
+    if (options.format == Format::Text && watchOnTerminal(options, poller, tally)) {
         output.print({}, tally.counts());
         output.print({}, tally.latency());
     } else {
