@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tools/common/Error.h"
-#include "tools/common/Printable.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 
