@@ -4,8 +4,6 @@
 #include <csignal>
 #include <utility>
 
-#include "tools/lipsyncctl/Failure.h"
-
 namespace lipsyncctl {
 
 Connection::Connection(std::string socket, std::chrono::milliseconds timeout, Watchdog::Time end)

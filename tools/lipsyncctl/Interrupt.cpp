@@ -17,10 +17,11 @@ struct State {
     std::mutex mutex;
     std::function<void()> handler;
     int exitStatus = 0;
+    bool isEnding = false;
+    std::thread thread;
 };
 
-// Never destroyed, because the thread goes on until the process ends.
-State& state = *new State;
+State state;
 
 void waitForSignals(const sigset_t& signals) {
     constexpr int killedBySignal = 128;
@@ -28,6 +29,9 @@ void waitForSignals(const sigset_t& signals) {
         int number = 0;
         sigwait(&signals, &number);
         const std::lock_guard<std::mutex> lock(state.mutex);
+        if (state.isEnding) {
+            return;
+        }
         // At the end of the time, output that is lost is a failure.
         state.exitStatus = number == SIGALRM ? tools::exitFailure : killedBySignal + number;
         if (!state.handler) {
@@ -46,7 +50,16 @@ void takeInterrupts() {
         sigaddset(&signals, number);
     }
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    std::thread([signals] { waitForSignals(signals); }).detach();
+    state.thread = std::thread([signals] { waitForSignals(signals); });
+}
+
+void leaveInterrupts() {
+    {
+        const std::lock_guard<std::mutex> lock(state.mutex);
+        state.isEnding = true;
+    }
+    pthread_kill(state.thread.native_handle(), SIGTERM);
+    state.thread.join();
 }
 
 void setInterruptHandler(std::function<void()> handler) {

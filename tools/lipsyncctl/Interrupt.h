@@ -9,6 +9,9 @@ namespace lipsyncctl {
 /// because threads inherit which signals they block.
 void takeInterrupts();
 
+/// Ends that thread. The signals stay blocked.
+void leaveInterrupts();
+
 /// From now on a signal calls this function in the thread, or ends the process if it is null.
 void setInterruptHandler(std::function<void()> handler);
 

@@ -5,7 +5,7 @@
 
 namespace lipsyncctl {
 
-bool watchOnTerminal(const Options&, Poller&, Tally&) {
+bool watchOnTerminal(const Options&, Poller&, Output&) {
     if (isatty(STDOUT_FILENO) == 1) {
         tools::complain("there is no live view, because this program was built without ncurses");
     }

@@ -21,9 +21,6 @@ struct Options {
     unsigned long readings = 0;  ///< 0 means no limit.
     unsigned int maxSeconds = 0; ///< For the whole watch; 0 means no limit.
     unsigned long exchanges = 10;
-
-    /// Whether a watch may end after this many readings.
-    bool isEnough(unsigned long count) const { return readings > 0 && count >= readings; }
 };
 
 /// Parses the command line. Returns false if it has printed the help or the version instead. Throws

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "tools/lipsyncctl/Failure.h"
+#include "tools/lipsyncctl/Connection.h"
 #include "tools/lipsyncctl/Options.h"
 
 namespace lipsyncctl {

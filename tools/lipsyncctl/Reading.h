@@ -6,7 +6,6 @@
 #include "lipsync/common/LipSyncNtpTimestamps.h"
 #include "tools/common/Time.h"
 #include "tools/lipsyncctl/Connection.h"
-#include "tools/lipsyncctl/Failure.h"
 
 namespace lipsyncctl {
 

@@ -90,5 +90,8 @@ int runCommand(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     lipsyncctl::takeInterrupts();
-    return tools::runTool("lipsyncctl", [=] { return lipsyncctl::runCommand(argc, argv); });
+    const int status =
+        tools::runTool("lipsyncctl", [=] { return lipsyncctl::runCommand(argc, argv); });
+    lipsyncctl::leaveInterrupts();
+    return status;
 }

@@ -6,9 +6,7 @@
 #include <chrono>
 #include <cmath>
 #include <map>
-#include <string>
 
-#include "tools/common/Text.h"
 #include "tools/common/Time.h"
 
 namespace lipsyncctl {
@@ -39,7 +37,11 @@ public:
             topMs = std::max(topMs, std::ceil(ms / stepMs) * stepMs);
         }
         mvaddnstr(top, 0, "Maximum latency in each second of the last minute, ms", COLS);
-        const int axis = drawAxes(top + 1, height, bottomMs, topMs);
+        mvprintw(top + 1, 0, "%*.0f", axis - 1, topMs);
+        mvprintw(top + 1 + height, 0, "%*.0f", axis - 1, bottomMs);
+        mvvline(top + 1, axis, ACS_VLINE, height);
+        mvhline(top + 1 + height, axis, ACS_HLINE, std::clamp(COLS - axis - 1, 1, seconds + 1));
+        mvaddch(top + 1 + height, axis, ACS_LLCORNER);
         const int right = std::min(axis + seconds, COLS - 1);
         const auto present = std::chrono::floor<Second>(tools::now());
         for (const auto& [second, ms] : _maximaMs) {
@@ -58,19 +60,8 @@ private:
     using Second = std::chrono::seconds;
 
     static constexpr int seconds = 60;
-
-    // Draws the labels and the lines around the columns. Returns the column of the vertical line.
-    static int drawAxes(int top, int height, double bottomMs, double topMs) {
-        const std::string highest = tools::printed("%5.0f", topMs);
-        const std::string lowest = tools::printed("%5.0f", bottomMs);
-        const int column = static_cast<int>(std::max(highest.size(), lowest.size())) + 1;
-        mvaddstr(top, 0, highest.c_str());
-        mvaddstr(top + height, 0, lowest.c_str());
-        mvvline(top, column, ACS_VLINE, height);
-        mvhline(top + height, column, ACS_HLINE, std::clamp(COLS - column - 1, 1, seconds + 1));
-        mvaddch(top + height, column, ACS_LLCORNER);
-        return column;
-    }
+    // The column of the vertical line. Wrong clocks make large labels.
+    static constexpr int axis = 9;
 
     std::map<Second, double> _maximaMs; ///< By second.
 };

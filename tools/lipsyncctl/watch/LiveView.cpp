@@ -1,13 +1,13 @@
 #include "tools/lipsyncctl/watch/LiveView.h"
 
 #include <ncurses.h>
-#include <term.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -19,9 +19,52 @@
 #include "tools/lipsyncctl/Log.h"
 #include "tools/lipsyncctl/watch/LatencyStrip.h"
 
+// Last, because it defines macros with common names.
+#include <term.h>
+
 namespace lipsyncctl {
 
 namespace {
+
+// Counts what a watch has seen.
+class Tally {
+public:
+    void add(const Reading& reading) {
+        const bool isOutage = reading.failure && !reading.failure->isRefusal();
+        _outages += isOutage && !_isOutage ? 1 : 0;
+        _isOutage = isOutage;
+        _refusals += reading.failure && !isOutage ? 1 : 0;
+        if (!reading.failure) {
+            const double latencyMs = reading.latencyMs();
+            _minMs = std::min(_minMs, latencyMs);
+            _maxMs = std::max(_maxMs, latencyMs);
+            _sumMs += latencyMs;
+            ++_readings;
+        }
+    }
+
+    // Lines for people. The latency is empty without readings.
+    std::string counts() const {
+        return tools::printed("Readings %lu, refusals %lu, outages %lu", _readings, _refusals,
+                              _outages);
+    }
+
+    std::string latency() const {
+        return _readings == 0
+                   ? ""
+                   : tools::printed("Latency: min %.1f ms, mean %.1f ms, max %.1f ms", _minMs,
+                                    _sumMs / static_cast<double>(_readings), _maxMs);
+    }
+
+private:
+    unsigned long _readings = 0;
+    unsigned long _refusals = 0;
+    unsigned long _outages = 0; // Of any length.
+    bool _isOutage = false;
+    double _minMs = std::numeric_limits<double>::infinity();
+    double _maxMs = -_minMs;
+    double _sumMs = 0;
+};
 
 // Writes one row; what does not fit is cut.
 void drawRow(int row, const std::string& text) {
@@ -146,14 +189,11 @@ bool wantsToQuit() {
 }
 
 // Reads in a thread of its own, so that a silent engine does not hold up the keys.
-void show(const Options& options, Poller& poller, Tally& tally) {
-    LiveView view(options.socket, tally);
+void show(const std::string& socket, Poller& poller, Tally& tally) {
+    LiveView view(socket, tally);
     std::atomic<bool> isOver{false};
     std::thread reading([&] {
-        poller.run([&](const Reading& result) {
-            view.add(result);
-            return !options.isEnough(tally.readings());
-        });
+        poller.run([&](const Reading& result) { view.add(result); });
         isOver = true;
     });
     while (!isOver && !wantsToQuit()) {
@@ -177,7 +217,7 @@ bool hasMovableCursor() {
 
 } // namespace
 
-bool watchOnTerminal(const Options& options, Poller& poller, Tally& tally) {
+bool watchOnTerminal(const Options& options, Poller& poller, Output& output) {
     if (!hasMovableCursor()) {
         return false;
     }
@@ -185,9 +225,12 @@ bool watchOnTerminal(const Options& options, Poller& poller, Tally& tally) {
         // The log lines would overwrite the view.
         dropLog();
     }
+    Tally tally;
     setInterruptHandler([&] { poller.stop(); });
-    show(options, poller, tally);
+    show(options.socket, poller, tally);
     setInterruptHandler(nullptr);
+    output.print({}, tally.counts());
+    output.print({}, tally.latency());
     return true;
 }
 

@@ -12,10 +12,9 @@ namespace lipsyncctl {
 
 namespace {
 
-void watchInLines(const Options& options, Poller& poller, Tally& tally, Output& output) {
+void watchInLines(Poller& poller, Output& output) {
     std::string lastFailure;
     poller.run([&](const Reading& reading) {
-        tally.add(reading);
         const std::string failure = reading.failure ? reading.failure->what() : "";
         if (!reading.failure) {
             output.print(reading.record(), reading.text());
@@ -26,7 +25,6 @@ void watchInLines(const Options& options, Poller& poller, Tally& tally, Output& 
             output.print(reading.record(), "");
         }
         lastFailure = failure;
-        return !options.isEnough(tally.readings());
     });
 }
 
@@ -34,20 +32,16 @@ void watchInLines(const Options& options, Poller& poller, Tally& tally, Output& 
 
 void watchTimestamps(const Options& options, Output& output) {
     Poller poller(options);
-    Tally tally;
     if (options.maxSeconds > 0) {
         // Only output that nobody reads lasts longer.
         alarm(options.maxSeconds + 1);
     }
-    if (options.format == Format::Text && watchOnTerminal(options, poller, tally)) {
-        output.print({}, tally.counts());
-        output.print({}, tally.latency());
-    } else {
-        watchInLines(options, poller, tally, output);
+    if (options.format != Format::Text || !watchOnTerminal(options, poller, output)) {
+        watchInLines(poller, output);
     }
-    if (poller.isTimeUp() && tally.readings() < std::max(options.readings, 1ul)) {
+    if (poller.isTimeUp() && poller.count() < std::max(options.readings, 1ul)) {
         throw Failure::timeout(
-            tools::printed("%lu readings within %u s", tally.readings(), options.maxSeconds));
+            tools::printed("%lu readings within %u s", poller.count(), options.maxSeconds));
     }
 }
 
