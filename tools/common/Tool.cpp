@@ -40,7 +40,7 @@ void printCommands(CLI::App& app, const std::string& parents) {
             option->group("Options of " + name);
         }
         std::cout << command->help(parents);
-        printCommands(*command, parents + ' ' + name);
+        printCommands(*command, std::string(parents).append(' ' + name));
     }
 }
 

@@ -58,7 +58,7 @@ void leaveInterrupts() {
         const std::lock_guard<std::mutex> lock(state.mutex);
         state.isEnding = true;
     }
-    pthread_kill(state.thread.native_handle(), SIGTERM);
+    pthread_kill(state.thread.native_handle(), SIGALRM);
     state.thread.join();
 }
 
