@@ -51,20 +51,15 @@ std::size_t limited(int fd, std::size_t size) {
     return isSocket(fd) ? std::min(size, systemCalls.largestTransfer) : size;
 }
 
-// The original of a replaced function. Under a sanitizer this is the sanitizer's version, so its
-// checks still run.
-template <typename Function>
-Function* hidden(const char* name, Function*) {
+// Calls the original of a replaced function. Under a sanitizer this is the sanitizer's version, so
+// its checks still run.
+template <auto replacement, typename... Arguments>
+auto original(const char* name, Arguments... arguments) {
     const int before = errno;
-    void* const function = dlsym(RTLD_NEXT, name);
+    static const auto function = reinterpret_cast<decltype(replacement)>(dlsym(RTLD_NEXT, name));
     errno = before;
-    return reinterpret_cast<Function*>(function);
-}
-
-template <typename Function, typename... Arguments>
-auto pass(Function* original, Arguments... arguments) {
     const bool wasInside = std::exchange(isInside, true);
-    const auto result = original(arguments...);
+    const auto result = function(arguments...);
     isInside = wasInside;
     return result;
 }
@@ -83,40 +78,37 @@ extern "C" int usleep(useconds_t microseconds) {
 // Whether these functions are declared noexcept depends on the C library.
 extern "C" int inet_pton(int family, const char* text,
                          void* address) noexcept(noexcept(inet_pton(0, nullptr, nullptr))) {
-    static const auto function = hidden("inet_pton", inet_pton);
-    return mustFail(Call::ParseAddress) ? -1 : pass(function, family, text, address);
+    return mustFail(Call::ParseAddress) ? -1
+                                        : original<::inet_pton>("inet_pton", family, text, address);
 }
 
 extern "C" int socket(int domain, int type, int protocol) noexcept(noexcept(socket(0, 0, 0))) {
-    static const auto function = hidden("socket", socket);
-    return mustFail(Call::Socket) ? -1 : pass(function, domain, type, protocol);
+    return mustFail(Call::Socket) ? -1 : original<::socket>("socket", domain, type, protocol);
 }
 
 extern "C" int shutdown(int fd, int how) noexcept(noexcept(shutdown(0, 0))) {
-    static const auto function = hidden("shutdown", shutdown);
     ++systemCalls.shutdowns;
-    return mustFail(Call::Shutdown) ? -1 : pass(function, fd, how);
+    return mustFail(Call::Shutdown) ? -1 : original<::shutdown>("shutdown", fd, how);
 }
 
 extern "C" int connect(int fd, const sockaddr* address, socklen_t size) {
-    static const auto function = hidden("connect", connect);
-    return mustFail(Call::Connect) ? -1 : pass(function, fd, address, size);
+    return mustFail(Call::Connect) ? -1 : original<::connect>("connect", fd, address, size);
 }
 
 extern "C" ssize_t write(int fd, const void* data, std::size_t size) {
-    static const auto function = hidden("write", write);
-    return isSocket(fd) && mustFail(Call::Write) ? -1 : pass(function, fd, data, limited(fd, size));
+    return isSocket(fd) && mustFail(Call::Write)
+               ? -1
+               : original<::write>("write", fd, data, limited(fd, size));
 }
 
 extern "C" ssize_t read(int fd, void* buffer, std::size_t size) {
-    static const auto function = hidden("read", read);
-    return isSocket(fd) && mustFail(Call::Read) ? -1
-                                                : pass(function, fd, buffer, limited(fd, size));
+    return isSocket(fd) && mustFail(Call::Read)
+               ? -1
+               : original<::read>("read", fd, buffer, limited(fd, size));
 }
 
 extern "C" int close(int fd) {
-    static const auto function = hidden("close", close);
     const bool isWatched = isSocket(fd);
-    const int result = pass(function, fd);
+    const int result = original<::close>("close", fd);
     return isWatched && mustFail(Call::Close) ? -1 : result;
 }

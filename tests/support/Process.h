@@ -1,9 +1,19 @@
 #pragma once
 
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "tests/support/Files.h"
 
 namespace tests {
 
@@ -15,8 +25,33 @@ public:
     enum Output { ToTest, ToTerminal, ToDumbTerminal, ToFullDisk };
 
     /// The first argument is the program, a path in the build folder.
-    explicit Process(std::vector<std::string> arguments, Output output = ToTest);
-    ~Process();
+    explicit Process(std::vector<std::string> arguments, Output output = ToTest) {
+        arguments[0] = builtFile(arguments[0]);
+        std::vector<char*> argv(arguments.size() + 1);
+        std::transform(arguments.begin(), arguments.end(), argv.begin(),
+                       [](std::string& argument) { return argument.data(); });
+        if (output == ToTerminal || output == ToDumbTerminal) {
+            const winsize size{24, 80, 0, 0};
+            _pid = forkpty(&_output, nullptr, nullptr, &size);
+            _input = dup(_output);
+        } else {
+            forkOnPipes(output);
+        }
+        if (_pid == 0) {
+            setenv("TERM", output == ToDumbTerminal ? "dumb" : "xterm", 1);
+            execv(argv[0], argv.data());
+            _exit(127);
+        }
+    }
+
+    ~Process() {
+        if (_pid > 0) {
+            signal(SIGKILL);
+            wait();
+        }
+        close(_input);
+        close(_output);
+    }
 
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
@@ -26,13 +61,31 @@ public:
 
     /// Reads the output that goes to the test, standard error included, up to and including `text`
     /// or to the end of the stream. Leaves out the warning of Android 7's linker.
-    std::string readUntil(const std::string& text) const;
+    std::string readUntil(const std::string& text) const {
+        std::string output;
+        char byte;
+        while (output.find(text) == std::string::npos && read(_output, &byte, 1) == 1) {
+            output += byte;
+            if (output == "WARNING: linker: ") {
+                // Before the program starts, Android 7's linker warns of a flag that lld always
+                // sets.
+                const std::string rest = readUntil("\n");
+                const bool isFlag =
+                    rest.find(": unsupported flags DT_FLAGS_1=") != std::string::npos;
+                output.append(rest);
+                if (isFlag) {
+                    output.clear();
+                }
+            }
+        }
+        return output;
+    }
 
     /// Reads to the end of the stream or to a zero byte.
     std::string readAll() const { return readUntil(std::string(1, '\0')); }
 
     /// Closes the test's end of its output, as a reader does that has gone.
-    void stopReading();
+    void stopReading() { close(std::exchange(_output, -1)); }
 
     /// Writes to its standard input.
     void write(const std::string& text) const { dprintf(_input, "%s", text.c_str()); }
@@ -41,10 +94,29 @@ public:
     void signal(int number) const { kill(_pid, number); }
 
     /// Waits until it ends. Returns its exit status, or minus the signal that killed it.
-    int wait();
+    int wait() {
+        int status = 0;
+        waitpid(std::exchange(_pid, -1), &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
 
 private:
-    void forkOnPipes(Output output);
+    void forkOnPipes(Output output) {
+        int in[2] = {-1, -1};
+        int out[2] = {-1, -1};
+        if (pipe2(in, O_CLOEXEC) == 0 && pipe2(out, O_CLOEXEC) == 0) {
+            _pid = fork();
+        }
+        if (_pid == 0) {
+            dup2(in[0], STDIN_FILENO);
+            dup2(output == ToFullDisk ? open("/dev/full", O_WRONLY) : out[1], STDOUT_FILENO);
+            dup2(out[1], STDERR_FILENO);
+        }
+        close(in[0]);
+        close(out[1]);
+        _input = in[1];
+        _output = out[0];
+    }
 
     pid_t _pid = -1;
     int _input = -1;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdlib>
+#include <filesystem>
 #include <string>
 
 namespace tests {
@@ -8,8 +10,18 @@ namespace tests {
 /// missing. The destructor removes it with its contents.
 class TemporaryDirectory {
 public:
-    TemporaryDirectory();
-    ~TemporaryDirectory();
+    TemporaryDirectory() {
+        std::error_code isMissing; // Then the folder is an empty path.
+        _path = std::filesystem::temp_directory_path(isMissing) / "zublipsyncXXXXXX";
+        if (mkdtemp(_path.data()) == nullptr) {
+            std::abort();
+        }
+    }
+
+    ~TemporaryDirectory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(_path, ignored);
+    }
 
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
