@@ -1,15 +1,55 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
-#include <cstdint>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "avsync/LipSync.h"
 #include "avsync/Window.h"
+#include "tests/support/EngineDouble.h"
+#include "tests/support/Frames.h"
 #include "tests/tools/Engine.h"
 
 namespace tests {
+
+/// An engine for what azubsim cannot do. Its sound has a latency of 90 ms and the margin.
+class ScriptedEngine {
+public:
+    enum Margins { Accepted, Refused, Unanswered };
+
+    explicit ScriptedEngine(velta::zub::avsync::LipSyncOptions& options) {
+        options.socket = _engine.path();
+    }
+
+    std::atomic<Margins> margins{Accepted};
+    std::atomic<double> clockMs{0}; ///< How far its clock is ahead.
+    std::atomic<double> marginMs{0};
+    std::atomic<int> marginRequests{0};
+
+private:
+    std::string answer(const std::string& request) {
+        using namespace velta::zub::avsync;
+        const std::string name = "<SetAudioDelay_Request>";
+        const auto margin = request.find(name);
+        if (margin == std::string::npos) {
+            const auto at = [&](double ms) {
+                return std::to_string(ntpAddMs(ntpNow(), clockMs + ms));
+            };
+            return timestampsFrame(at(-60), at(30 + marginMs), at(0), "20");
+        }
+        ++marginRequests;
+        if (margins == Refused) {
+            return delayFrame("1002");
+        }
+        marginMs = std::stod(request.substr(margin + name.size()));
+        return margins == Accepted ? delayFrame("1000") : "no end";
+    }
+
+    EngineDouble _engine{[this](const std::string& request) { return answer(request); },
+                         EngineDouble::ForEver};
+};
 
 /// A caller of `LipSync`: it shows pictures while it waits for something.
 class LipSyncTest : public EngineTest {
@@ -35,7 +75,9 @@ protected:
         do {
             const double heldMs = lipSync.pictureDelayMs();
             const std::uint64_t shown = ntpNow();
-            lipSync.setPicture(ntpAddMs(shown, -pictureMs - heldMs), shown, heldMs);
+            if (showsPictures) {
+                lipSync.setPicture(ntpAddMs(shown, -pictureMs - heldMs), shown, heldMs);
+            }
             std::this_thread::sleep_for(milliseconds(5));
             status = lipSync.status();
             wasDisconnected = wasDisconnected || !status.isConnected;
@@ -59,6 +101,7 @@ protected:
 
     LipSync::Options options;
     double pictureMs = 170; // With a sound of 90 ms this needs a margin.
+    bool showsPictures = true;
     bool wasDisconnected = false;
 };
 
