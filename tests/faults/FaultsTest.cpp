@@ -51,9 +51,6 @@ Service::Result getTimestamps(Caller& c) {
 }
 
 const std::string nowhere = "/nowhere/to/be/found";
-const std::string closedByDistant =
-    "Connection closed by distant (Code 5905): {Protocol has been closed by distant (Code 40005): "
-    "{Closed by distant (Code 10003)}}}";
 // Longer than one read.
 const std::string longText(600, 'm');
 
@@ -78,13 +75,8 @@ const Operation operations[] = {
 
 char lastRecord[4096];
 
-// The outcome of a call. Space for texts is reserved first, so that it does not count as lost.
+// The outcome of a call.
 struct Outcome {
-    Outcome() {
-        result.reserve(sizeof(lastRecord));
-        record.reserve(sizeof(lastRecord));
-    }
-
     std::string path;   // Of the engine.
     std::string result; // Formatted, or "bad_alloc".
     std::string record; // The line in the log, if there was one.
@@ -92,7 +84,6 @@ struct Outcome {
     long lostBlocks = 0;
 };
 
-// Runs an operation on a new service, and checks that it can connect again after any failure.
 void run(const Operation& operation, const SystemCalls& plan, int failingAllocation,
          Outcome& outcome) {
     Caller caller{outcome.path};
@@ -123,8 +114,12 @@ void run(const Operation& operation, const SystemCalls& plan, int failingAllocat
     }
 }
 
+// Runs an operation on a new service, and checks that it can connect again after any failure.
 Outcome observe(const Operation& operation, const SystemCalls& plan, int failingAllocation = 0) {
     Outcome outcome;
+    // Now, so that they do not count as lost.
+    outcome.result.reserve(sizeof(lastRecord));
+    outcome.record.reserve(sizeof(lastRecord));
     const auto descriptors = tests::openDescriptors();
     {
         tests::EngineDouble engine({operation.answer});
@@ -155,12 +150,12 @@ std::string expected(const Operation& operation, Call call, int error, const std
     if (call == Call::Close || call == Call::Shutdown || error == EINTR || error == EAGAIN) {
         return operation.result;
     }
-    const bool isClosure = error == (call == Call::Write ? EPIPE : ECONNRESET);
-    return "An error has occured in the transport layer (Code 1005): {" +
-           (isClosure ? closedByDistant
-                      : "Protocol error (Code 5902): {Link error (Code 40003): {I/O error (Code "
-                        "10004): " +
-                            cause + "}}}");
+    if (error == (call == Call::Write ? EPIPE : ECONNRESET)) {
+        return tests::closedByDistant;
+    }
+    return "An error has occured in the transport layer (Code 1005): {Protocol error (Code 5902): "
+           "{Link error (Code 40003): {I/O error (Code 10004): " +
+           cause + "}}}";
 }
 
 // The number of blocks that TinyXML itself leaks if its allocations for an answer fail one by one:

@@ -1,5 +1,3 @@
-// Does what several threads may do at the same time, for ThreadSanitizer to check.
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,44 +11,34 @@
 #include "tests/support/EngineDouble.h"
 #include "tests/support/Frames.h"
 
-using velta::zub::lipsyncapi::Service;
-
-namespace {
-
-constexpr int threadCount = 8;
-constexpr int rounds = 20;
-
-std::atomic<int> waiting{threadCount};
-std::mutex exchanges;
-
-void useService(const std::string& number) {
-    tests::EngineDouble engine({tests::timestampsFrame(number, "2", "3", "4")},
-                               tests::EngineDouble::ForEver);
-    // Start all threads together, so that they race to create each domain's first success.
-    --waiting;
-    while (waiting > 0) {
-        std::this_thread::yield();
-    }
-    Service service;
-    EXPECT_EQ(service.connect(engine.path()).format(), "Success");
-    for (int i = 0; i < rounds; ++i) {
-        EXPECT_TRUE(service.setAudioDelayMargin(150).isFailure());
-        const std::lock_guard<std::mutex> hold(exchanges);
-        velta::zub::common::LipSyncNtpTimestamps timestamps;
-        EXPECT_EQ(service.getAudioTimestamps(timestamps).format(), "Success");
-        EXPECT_EQ(std::to_string(timestamps.audioCaptureTimestamp), number);
-    }
-}
-
-} // namespace
-
+// For ThreadSanitizer. All threads start together, so that they race to create each domain's first
+// success.
 TEST(Threads, MayEachUseAServiceIfOneLockProtectsExchanges) {
     SKIP_WITHOUT_SOCKET_FILES();
-    const std::string log = tests::logOf([] {
+    constexpr int threadCount = 8;
+    constexpr int rounds = 20;
+    std::atomic<int> waiting{threadCount};
+    std::mutex exchanges;
+    const auto useService = [&](const std::string& number) {
+        tests::EngineDouble engine({tests::timestampsFrame(number, "2", "3", "4")},
+                                   tests::EngineDouble::ForEver);
+        for (--waiting; waiting > 0;) {
+            std::this_thread::yield();
+        }
+        velta::zub::lipsyncapi::Service service;
+        EXPECT_EQ(service.connect(engine.path()).format(), "Success");
+        for (int i = 0; i < rounds; ++i) {
+            EXPECT_TRUE(service.setAudioDelayMargin(150).isFailure());
+            const std::lock_guard<std::mutex> hold(exchanges);
+            velta::zub::common::LipSyncNtpTimestamps timestamps;
+            EXPECT_EQ(service.getAudioTimestamps(timestamps).format(), "Success");
+            EXPECT_EQ(std::to_string(timestamps.audioCaptureTimestamp), number);
+        }
+    };
+    const std::string log = tests::logOf([&] {
         std::vector<std::thread> threads;
-        threads.reserve(threadCount);
         for (int i = 0; i < threadCount; ++i) {
-            threads.emplace_back([i] { useService(std::to_string(i)); });
+            threads.emplace_back(useService, std::to_string(i));
         }
         for (std::thread& thread : threads) {
             thread.join();

@@ -1,21 +1,28 @@
-#include "comms/Client.h"
-
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <memory>
+#include <vector>
 
+#include "comms/Client.h"
+#include "comms/Link.h"
+#include "comms/TextProtocol.h"
 #include "tests/replacements/SystemCalls.h"
 #include "tests/support/Listener.h"
 #include "tests/support/OpenDescriptors.h"
+#include "tests/support/SocketPair.h"
 #include "tests/support/TemporaryDirectory.h"
 
 using tests::Call;
+using tests::SocketPair;
 namespace comms = velta::zub::comms;
 using velta::zub::comms::Link;
+using velta::zub::comms::TextProtocol;
 
 namespace {
 
@@ -36,6 +43,18 @@ std::string connectTo(const std::string& server, int port = -1) {
     EXPECT_EQ(tests::openDescriptors(), before);
     tests::systemCalls = {};
     return result.format();
+}
+
+const std::string endOfStream =
+    "Protocol has been closed by distant (Code 40005): {Closed by distant (Code 10003)}";
+
+// Receives the next message. Returns the formatted result if there is none.
+std::string receive(TextProtocol& protocol) {
+    std::string* message = reinterpret_cast<std::string*>(1);
+    const TextProtocol::Result result = protocol.receive(message);
+    EXPECT_EQ(result.isSuccess(), message != nullptr);
+    const std::unique_ptr<std::string> owner(message);
+    return message != nullptr ? *message : result.format();
 }
 
 } // namespace
@@ -83,4 +102,63 @@ TEST(CommsClient, ConnectsToTcpPortsModulo65536) {
     // A host that is not an address is taken as 0.0.0.0, which is this machine.
     EXPECT_EQ(connectTo("localhost", port), "Success");
     close(listener);
+}
+
+TEST(Link, ChecksArgumentsAndShutsTheSocketDownOnlyOnce) {
+    std::signal(SIGPIPE, SIG_IGN);
+    const tests::SocketPair pair;
+    Link link(pair.takeNear());
+    pair.send("there is data");
+    char byte = 'x';
+    std::size_t bytesRead = 7;
+    const auto expectBoth = [&](char* buffer, std::size_t size, const std::string& result) {
+        EXPECT_EQ(link.write(buffer, size).format(), result);
+        EXPECT_EQ(link.read(buffer, size, bytesRead).format(), result);
+        EXPECT_EQ(bytesRead, 7U);
+    };
+    expectBoth(&byte, 0, "Invalid Argument(s) (Code 10006)");
+    expectBoth(nullptr, 5, "Invalid Argument(s) (Code 10006)");
+    tests::systemCalls = {};
+    link.close();
+    link.close();
+    EXPECT_EQ(tests::systemCalls.shutdowns, 1);
+    expectBoth(&byte, 1, "Closed (Code 10002)");
+}
+
+TEST(TextProtocol, SplitsTheStreamIntoMessages) {
+    const std::string text(511, 'x');
+    // Packets that each arrive in one read, and the messages received from them.
+    const std::vector<std::string> streams[][2] = {
+        {{"abc\n\ndef\n\n"}, {"abc", "def"}},
+        {{"abc\n", "\ndef\n\n"}, {"abc", "def"}},
+        {{"a\n\n\nb\n\n"}, {"a", "\nb"}},
+        {{"a\nb\n\n\n\n"}, {"a\nb", ""}},
+        // One read returns at most 511 bytes. The rest of a longer packet is lost.
+        {{text, text + "lost", "\n\nrest\n\n"}, {text + text, "rest"}},
+        // A zero byte and the bytes after it in the same read are dropped.
+        {{std::string("ab\0cd\n\n", 7), "e\n\n"}, {"abe"}},
+        // An empty packet looks like the end of the stream. The incomplete message is kept.
+        {{"par", "", "tial\n\n"}, {endOfStream, "partial"}},
+    };
+    for (const auto& [packets, messages] : streams) {
+        SocketPair pair(SOCK_SEQPACKET);
+        TextProtocol protocol(new Link(pair.takeNear()));
+        for (const std::string& packet : packets) {
+            pair.send(packet);
+        }
+        for (const std::string& message : messages) {
+            EXPECT_EQ(receive(protocol), message);
+        }
+        pair.closeFar();
+        EXPECT_EQ(receive(protocol), endOfStream);
+    }
+}
+
+TEST(CommsDeathTest, InvalidArgumentsAbort) {
+    EXPECT_DEATH(Link(0),
+                 "F/VELTA comms/src/Link.cpp:40: Assertion fdLinkSocket > 0 failed: "
+                 "Invalid file descritpor");
+    EXPECT_DEATH(TextProtocol(nullptr),
+                 "F/VELTA comms/src/TextProtocol.cpp:97: Assertion link != NULL failed: "
+                 "Null pointer");
 }
