@@ -1,4 +1,5 @@
 #include <atomic>
+#include <tuple>
 
 #include "tests/avsync/LipSyncTest.h"
 #include "tests/replacements/Memory.h"
@@ -7,14 +8,7 @@ using tests::LipSyncTest;
 using tests::ScriptedEngine;
 
 TEST_F(LipSyncTest, HasAnAnswerToEachStateOfTheEngine) {
-    struct Row {
-        const char* command;
-        const char* message;
-        bool staysConnected;
-        const char* end;
-        bool setsMargin;
-    };
-    const Row rows[] = {
+    const std::tuple<const char*, const char*, bool, const char*, bool> rows[] = {
         {"call off", "performing a call (Code 1007)", true, "call on", true},
         {"freeze on", "The timestamps do not change", true, "freeze off", false},
         {"fault error 1001 no", "returned an error (Code 1006)", true, "fault none", false},
@@ -28,20 +22,20 @@ TEST_F(LipSyncTest, HasAnAnswerToEachStateOfTheEngine) {
     LipSync lipSync(options);
     const auto marginMs = awaitSteered(lipSync).marginMs;
     EXPECT_GT(marginMs, 0);
-    for (const Row& row : rows) {
-        engine.write(std::string(row.command) + '\n');
-        engine.readUntil(row.command);
+    for (const auto& [command, message, staysConnected, end, setsMargin] : rows) {
+        engine.write(std::string(command) + '\n');
+        engine.readUntil(command);
         wasDisconnected = false;
-        SCOPED_TRACE(row.command);
-        const auto status = awaitMessage(lipSync, row.message);
+        SCOPED_TRACE(command);
+        const auto status = awaitMessage(lipSync, message);
         EXPECT_FALSE(status.isSteered);
         EXPECT_EQ(status.marginMs, marginMs);
-        engine.write(std::string(row.end) + '\n');
-        if (row.setsMargin) {
+        engine.write(std::string(end) + '\n');
+        if (setsMargin) {
             engine.readUntil("ok   margin " + std::to_string(marginMs));
         }
         EXPECT_EQ(awaitSteered(lipSync).marginMs, marginMs);
-        EXPECT_EQ(wasDisconnected, !row.staysConnected);
+        EXPECT_EQ(wasDisconnected, !staysConnected);
     }
     showsPictures = false;
     const auto before = lipSync.status();

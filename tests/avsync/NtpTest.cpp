@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -47,28 +48,21 @@ TEST(Ntp, ReadsTheClocksOfThisDevice) {
 }
 
 TEST(Ntp, TakesDifferencesAndSumsAcross2036) {
-    const struct {
-        std::uint64_t from;
-        double ms;
-        std::uint64_t to;
-    } rows[] = {
+    const std::tuple<std::uint64_t, double, std::uint64_t> rows[] = {
         {5 * second, -1500, 3 * second + second / 2},
         {last - second / 2 + 1, 1000, second / 2},
         {second / 2, -1000, last - second / 2 + 1},
         {7, 1e9, 1000000 * second + 7},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(ntpAddMs(row.from, row.ms), row.to) << row.ms;
-        EXPECT_DOUBLE_EQ(ntpMsBetween(row.from, row.to), row.ms);
+    for (const auto& [from, ms, to] : rows) {
+        EXPECT_EQ(ntpAddMs(from, ms), to) << ms;
+        EXPECT_DOUBLE_EQ(ntpMsBetween(from, to), ms);
     }
     EXPECT_EQ(ntpAddMs(5, -0.6 / ntpUnitsPerMs), 4u);
 }
 
 TEST(RtpClock, ConvertsAroundTheNewestReport) {
-    const struct {
-        std::uint32_t rateHz, reportRtp, rtp;
-        double msAfter;
-    } rows[] = {
+    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, double> rows[] = {
         {90000, 1000, 4000, 1000 / 30.0},
         {48000, 96000, 95040, -20},
         {90000, 0xffffff00, 0x00000084, 388 / 90.0},
@@ -76,17 +70,17 @@ TEST(RtpClock, ConvertsAroundTheNewestReport) {
         {1, 0, 0x80000000, -2147483648e3},
         {0xffffffff, 0, 0x7fffffff, 500},
     };
-    for (const auto& row : rows) {
+    for (const auto& [rateHz, reportRtp, rtp, msAfter] : rows) {
         // In 2023, and just before the timestamps start again.
         for (const std::uint64_t report : {3900000000 * second + 12345, last - 12345}) {
-            RtpClock clock(row.rateHz);
+            RtpClock clock(rateHz);
             // The sender sets its clock and begins its timestamps anew.
-            clock.addReport(report - 60 * second, row.reportRtp + 90000);
-            clock.addReport(report, row.reportRtp);
+            clock.addReport(report - 60 * second, reportRtp + 90000);
+            clock.addReport(report, reportRtp);
             clock.addReport(0, 7); // From a sender without a clock.
-            const auto captured = clock.captured(row.rtp);
-            ASSERT_TRUE(captured) << row.rtp;
-            EXPECT_NEAR(ntpMsBetween(report, *captured), row.msAfter, 1e-6) << row.rtp;
+            const auto captured = clock.captured(rtp);
+            ASSERT_TRUE(captured) << rtp;
+            EXPECT_NEAR(ntpMsBetween(report, *captured), msAfter, 1e-6) << rtp;
         }
     }
 }

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <locale>
+#include <tuple>
 
 #include "tests/replacements/LogCapture.h"
 #include "tests/support/EngineDouble.h"
@@ -89,11 +90,7 @@ TEST(Service, ChecksMarginsBeforeItSendsThem) {
     Connection connection({delayFrame("1000"), delayFrame("1000"), delayFrame("1003")});
     Service& service = connection.service;
     const std::string invalid = "Invalid Param (Code 1002):  audio delay margin ";
-    const struct {
-        unsigned long delayMs;
-        std::string result;
-        unsigned long marginAfter;
-    } cases[] = {
+    const std::tuple<unsigned long, std::string, unsigned long> cases[] = {
         {0, "Success", 0},
         {100, "Success", 100},
         {101, invalid + "101 is not in range [0..100]", 100},
@@ -101,11 +98,11 @@ TEST(Service, ChecksMarginsBeforeItSendsThem) {
         {40, "The AZUB is not performing a call (Code 1007): {Bad state (Code 1003)}", 100},
         {60, closedByDistant, 100},
     };
-    for (const auto& c : cases) {
+    for (const auto& [delayMs, result, marginAfter] : cases) {
         EXPECT_EQ(service.connect(other.path()).format(),
                   "Bad state (Code 1003): Already connected to the audio ZUB");
-        EXPECT_EQ(service.setAudioDelayMargin(c.delayMs).format(), c.result);
-        EXPECT_EQ(marginOf(service), c.marginAfter) << c.delayMs;
+        EXPECT_EQ(service.setAudioDelayMargin(delayMs).format(), result);
+        EXPECT_EQ(marginOf(service), marginAfter) << delayMs;
     }
     EXPECT_EQ(service.disconnect().format(), "Success");
     EXPECT_EQ(connection.engine.received(),

@@ -42,7 +42,6 @@ public:
     ~Listener() { close(_fd); }
 
     Listener(const Listener&) = delete;
-    Listener& operator=(const Listener&) = delete;
 
     /// Blocks until a client connects. Returns its descriptor, which the caller closes, or a
     /// negative number after `stop`.
