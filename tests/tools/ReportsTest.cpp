@@ -12,7 +12,7 @@
 #include "tools/azubsim/engine/Simulator.h"
 #include "tools/azubsim/protocol/Description.h"
 #include "tools/azubsim/protocol/Names.h"
-#include "tools/azubsim/report/Line.h"
+#include "tools/azubsim/report/Reports.h"
 #include "tools/azubsim/report/Trace.h"
 
 namespace {

@@ -4,10 +4,8 @@
 #include <utility>
 
 #include "tools/azubsim/control/Input.h"
-#include "tools/azubsim/control/Settings.h"
 #include "tools/azubsim/control/Tell.h"
 #include "tools/azubsim/engine/Simulator.h"
-#include "tools/azubsim/net/Responder.h"
 #include "tools/common/Error.h"
 #include "tools/common/Text.h"
 

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "tools/common/Error.h"
-#include "tools/common/Lines.h"
 #include "tools/common/Number.h"
 #include "tools/common/Text.h"
 

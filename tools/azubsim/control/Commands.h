@@ -8,6 +8,9 @@
 
 namespace azubsim {
 
+class AudioEngine;
+class FaultPlan;
+
 /// The commands that can be given while the program runs: their words for the help, and how to
 /// carry them out.
 class Commands {
@@ -76,5 +79,11 @@ private:
     std::vector<Action> _status;
     std::string _arguments;
 };
+
+/// Adds the commands that change a simulated engine, and its lines of "status".
+void addEngineCommands(Commands& commands, AudioEngine& engine);
+
+/// The same for faults.
+void addFaultCommands(Commands& commands, FaultPlan& faults);
 
 } // namespace azubsim

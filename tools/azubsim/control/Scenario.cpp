@@ -2,7 +2,6 @@
 
 #include "tools/azubsim/report/Screen.h"
 #include "tools/common/Error.h"
-#include "tools/common/Lines.h"
 #include "tools/common/Number.h"
 #include "tools/common/Text.h"
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "tools/azubsim/control/Commands.h"
-#include "tools/common/Lines.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 

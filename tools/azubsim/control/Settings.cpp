@@ -1,7 +1,8 @@
-#include "tools/azubsim/control/Settings.h"
-
 #include <cstdint>
 
+#include "tools/azubsim/control/Commands.h"
+#include "tools/azubsim/engine/AudioEngine.h"
+#include "tools/azubsim/engine/FaultPlan.h"
 #include "tools/common/Number.h"
 
 namespace azubsim {

@@ -7,7 +7,6 @@
 #include "tools/azubsim/protocol/Messages.h"
 #include "tools/azubsim/protocol/Names.h"
 #include "tools/common/Error.h"
-#include "tools/common/Lines.h"
 #include "tools/common/Number.h"
 #include "tools/common/Text.h"
 

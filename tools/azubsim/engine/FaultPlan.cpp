@@ -2,8 +2,8 @@
 
 #include "tools/azubsim/protocol/Names.h"
 #include "tools/common/Error.h"
-#include "tools/common/Lines.h"
 #include "tools/common/Number.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 

@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "tools/common/Error.h"
-#include "tools/common/Lines.h"
 #include "tools/common/Number.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 

@@ -13,6 +13,12 @@
 
 namespace azubsim {
 
+/// Sets the reply to `request`.
+using Respond = std::function<void(Exchange&)>;
+
+/// Answers the requests of a client until it leaves or a reply closes the connection.
+std::shared_ptr<Connection> answerRequests(Socket socket, int client, const Respond& respond);
+
 /// Listens at a Unix-domain socket and accepts clients.
 class Server {
 public:
