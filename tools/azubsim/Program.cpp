@@ -5,7 +5,6 @@
 
 #include "tools/azubsim/control/Input.h"
 #include "tools/azubsim/control/Tell.h"
-#include "tools/azubsim/engine/Simulator.h"
 #include "tools/common/Error.h"
 #include "tools/common/Text.h"
 
@@ -156,10 +155,12 @@ std::shared_ptr<Connection> Program::serve(Socket& socket, int client) {
 }
 
 void Program::answer(Exchange& exchange) {
+    exchange.reply = {{}, true};
     if (_replay) {
         exchange.reply = _replay->next(exchange.request);
-    } else {
-        simulate(_engine, _faults, exchange);
+    } else if (const auto answer =
+                   _engine.answer(parseRequest(exchange.request), AudioEngine::Clock::now())) {
+        _faults.answer(exchange, print(*answer), _faults.next(exchange.client, answer->command));
     }
     _reports.add(exchange);
 }

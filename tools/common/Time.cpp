@@ -2,6 +2,7 @@
 
 #include <ctime>
 
+#include "avsync/Ntp.h"
 #include "tools/common/Number.h"
 #include "tools/common/Text.h"
 
@@ -27,20 +28,12 @@ std::string formatted(Time time, const char* format, int decimals,
 
 } // namespace
 
-Time now() {
-    return std::chrono::duration_cast<Time>(std::chrono::system_clock::now().time_since_epoch());
-}
-
-Time fromNtp(std::uint64_t ntp) {
-    constexpr seconds from1900To1970(2208988800);
-    constexpr std::uint64_t half = 1ULL << 31;
-    const std::uint64_t fraction = ((ntp & 0xFFFFFFFF) * 1000000 + half) >> 32;
-    return seconds(ntp >> 32) - from1900To1970 + microseconds(fraction);
+Time toTime(std::chrono::system_clock::time_point time) {
+    return std::chrono::duration_cast<Time>(time.time_since_epoch());
 }
 
 double msBetween(std::uint64_t start, std::uint64_t end) {
-    constexpr double unitsPerMs = 4294967.296;
-    return rounded(static_cast<double>(static_cast<std::int64_t>(end - start)) / unitsPerMs);
+    return rounded(velta::zub::avsync::ntpMsBetween(start, end));
 }
 
 std::string timeOfDay(Time time) {

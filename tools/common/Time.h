@@ -9,10 +9,11 @@ namespace tools {
 /// A time since 1970 by the system's clock.
 using Time = std::chrono::microseconds;
 
-Time now();
+Time toTime(std::chrono::system_clock::time_point time);
 
-/// The time of an NTP timestamp in 32.32 fixed point.
-Time fromNtp(std::uint64_t ntp);
+inline Time now() {
+    return toTime(std::chrono::system_clock::now());
+}
 
 /// From one NTP timestamp to another in ms, rounded to microseconds; negative if `end` is earlier.
 double msBetween(std::uint64_t start, std::uint64_t end);

@@ -10,7 +10,7 @@ double Reading::latencyMs() const {
 
 // NTP numbers have 64 bits. Many JSON readers keep only 53, so the times are there as text too.
 Record Reading::record() const {
-    const auto utc = [](unsigned long ntp) { return tools::isoTime(tools::fromNtp(ntp)); };
+    const auto utc = [](unsigned long ntp) { return tools::isoTime(fromNtp(ntp)); };
     Record record{{"time", nullptr},
                   {"capture_ntp", timestamps.audioCaptureTimestamp},
                   {"rendering_ntp", timestamps.audioRenderingTimestamp},
@@ -36,7 +36,7 @@ Record Reading::record() const {
 std::string Reading::text() const {
     const unsigned long captured = timestamps.audioCaptureTimestamp;
     return tools::printed("captured %s  received %+.0f ms  latency %.1f ms  jitter %lu ms",
-                          tools::timeOfDay(tools::fromNtp(captured)).c_str(),
+                          tools::timeOfDay(fromNtp(captured)).c_str(),
                           tools::msBetween(captured, timestamps.audioReceivingTimestamp),
                           latencyMs(), timestamps.jbmCurrentDepth);
 }

@@ -3,11 +3,16 @@
 #include <optional>
 #include <string>
 
+#include "avsync/Ntp.h"
 #include "lipsync/common/LipSyncNtpTimestamps.h"
 #include "tools/common/Time.h"
 #include "tools/lipsyncctl/Connection.h"
 
 namespace lipsyncctl {
+
+inline tools::Time fromNtp(std::uint64_t ntp) {
+    return tools::toTime(velta::zub::avsync::systemTimeFrom(ntp));
+}
 
 /// The engine's timestamps, or why there are none, and when they were read.
 struct Reading {

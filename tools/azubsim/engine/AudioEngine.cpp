@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "avsync/Ntp.h"
+#include "tools/azubsim/protocol/Names.h"
 
 namespace azubsim {
 
@@ -48,6 +49,18 @@ void AudioEngine::setOffsetMs(double offset, Time now) {
 void AudioEngine::setDriftPpm(double drift, Time now) {
     setOffsetMs(offsetMs(now), now);
     _driftPpm = drift;
+}
+
+std::optional<Answer> AudioEngine::answer(const Request& request, Time now) {
+    Answer answer{request.command, {}, {}};
+    if (request.command == names::getAudioTs) {
+        answer.verdict = timestamps(now, answer.timestamps.emplace());
+    } else if (request.marginMs) {
+        answer.verdict = setMargin(*request.marginMs, now);
+    } else {
+        return std::nullopt;
+    }
+    return answer;
 }
 
 Verdict AudioEngine::timestamps(Time now, Timestamps& timestamps) const {

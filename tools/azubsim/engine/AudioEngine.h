@@ -45,6 +45,9 @@ public:
     void freeze(Time now) { _frozen = _frozen.value_or(measure(now)); }
     void unfreeze() { _frozen.reset(); }
 
+    /// What the engine answers; nothing if the request is bad or its command unknown.
+    std::optional<Answer> answer(const Request& request, Time now);
+
     /// When the packet that arrived last was captured and received, and when it will be rendered:
     /// the margin is added to the rendering time.
     Verdict timestamps(Time now, Timestamps& timestamps) const;

@@ -36,6 +36,15 @@ std::optional<Fault> FaultPlan::next(int client, const std::string& command) {
     return _faults[(_seed ? _random() : _turn++) % _faults.size()];
 }
 
+void FaultPlan::answer(Exchange& exchange, const std::string& answer,
+                       const std::optional<Fault>& fault) {
+    exchange.reply = fault ? fault->apply(answer, _random) : deliver(answer);
+    if (fault) {
+        exchange.fault = fault->text();
+        exchange.said = answer + endMarker;
+    }
+}
+
 std::string FaultPlan::status() const {
     std::string text = _faults.empty() ? "fault none\n" : "";
     for (const Fault& fault : _faults) {

@@ -34,10 +34,8 @@ public:
     /// The fault for the next answer, if it gets one.
     std::optional<Fault> next(int client, const std::string& command);
 
-    /// Applies a fault to an answer without its end marker.
-    Reply apply(const Fault& fault, const std::string& answer) {
-        return fault.apply(answer, _random);
-    }
+    /// Spoils the engine's answer, which is without its end marker, if there is a fault.
+    void answer(Exchange& exchange, const std::string& answer, const std::optional<Fault>& fault);
 
     /// The faults, a line each.
     std::string status() const;

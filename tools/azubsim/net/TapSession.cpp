@@ -19,9 +19,10 @@ constexpr std::size_t maxUnsent = 262144;
 // unanswered, and answers are passed on but not kept.
 constexpr std::size_t maxKept = 16777216;
 
-std::chrono::microseconds since(std::chrono::steady_clock::time_point start,
-                                std::chrono::steady_clock::time_point end) {
-    return std::chrono::duration_cast<std::chrono::microseconds>(end - start);
+// Unlike the times of exchanges, this clock is never set.
+tools::Time monotonicNow() {
+    return std::chrono::duration_cast<tools::Time>(
+        std::chrono::steady_clock::now().time_since_epoch());
 }
 
 } // namespace
@@ -78,7 +79,7 @@ void TapSession::engineEnded() {
 }
 
 void TapSession::requested(std::string_view bytes) {
-    _arrival = Clock::now();
+    _arrival = monotonicNow();
     _engine->send({noWait, std::string(bytes)});
     while (!bytes.empty()) {
         if (const auto request = _requests.next(bytes)) {
@@ -110,7 +111,7 @@ void TapSession::addPending(const std::string& request) {
 }
 
 void TapSession::answered(std::string_view bytes) {
-    _arrival = Clock::now();
+    _arrival = monotonicNow();
     while (!bytes.empty() && _client->isOpen()) {
         if (_pending.empty()) {
             addPending("");
@@ -126,7 +127,7 @@ void TapSession::answered(std::string_view bytes) {
 void TapSession::addAnswer(std::string_view bytes, bool isComplete) {
     Pending& pending = _pending.front();
     if (keep(pending, bytes.size() + sizeof(Reply::Piece))) {
-        const auto wait = since(std::exchange(pending.lastPiece, _arrival), _arrival);
+        const auto wait = _arrival - std::exchange(pending.lastPiece, _arrival);
         pending.exchange.reply.pieces.push_back({wait, std::string(bytes)});
     } else {
         pending.exchange.leftOut += bytes.size();
@@ -138,7 +139,7 @@ void TapSession::addAnswer(std::string_view bytes, bool isComplete) {
     if (!isComplete) {
         return;
     }
-    pending.exchange.engineTook = since(pending.asked, _arrival);
+    pending.exchange.engineTook = _arrival - pending.asked;
     if (pending.fault) {
         spoil(pending);
     }
@@ -162,10 +163,9 @@ bool TapSession::keep(Pending& pending, std::size_t size) {
 
 void TapSession::spoil(Pending& pending) {
     Exchange& exchange = pending.exchange;
-    exchange.said = exchange.reply.bytes();
-    const std::string answer =
-        exchange.said.substr(0, exchange.said.size() - std::strlen(endMarker));
-    exchange.reply = _shared.faults.apply(*pending.fault, answer);
+    const std::string said = exchange.reply.bytes();
+    _shared.faults.answer(exchange, said.substr(0, said.size() - std::strlen(endMarker)),
+                          pending.fault);
     for (const Reply::Piece& piece : exchange.reply.pieces) {
         _client->send(piece);
     }

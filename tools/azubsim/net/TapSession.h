@@ -33,14 +33,12 @@ public:
     std::shared_ptr<Connection> start();
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     /// A request whose answer is not complete.
     struct Pending {
         Exchange exchange;
         std::optional<Fault> fault;
-        Clock::time_point asked;
-        Clock::time_point lastPiece;
+        tools::Time asked{};
+        tools::Time lastPiece{};
         std::size_t kept = 0; ///< Bytes.
     };
 
@@ -65,7 +63,7 @@ private:
     RequestReader _requests;
     Framer _answers;
     std::deque<Pending> _pending;
-    Clock::time_point _arrival; ///< When the bytes arrived that are being handled.
+    tools::Time _arrival{}; ///< When the bytes arrived that are being handled.
 };
 
 } // namespace azubsim

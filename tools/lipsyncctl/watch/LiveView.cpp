@@ -143,7 +143,7 @@ private:
         if (_reading) {
             const auto& timestamps = _reading->timestamps;
             const auto drawTime = [&](const char* label, unsigned long ntp) {
-                drawRow(row++, label + tools::timeOfDay(tools::fromNtp(ntp)));
+                drawRow(row++, label + tools::timeOfDay(fromNtp(ntp)));
             };
             drawTime("Captured        ", timestamps.audioCaptureTimestamp);
             drawTime("Received        ", timestamps.audioReceivingTimestamp);
