@@ -78,8 +78,7 @@ void Program::run() {
     }
     _signals.async_wait([this](const asio::error_code&, int) { _io.stop(); });
     listen();
-    Input input(
-        _io, [this](const std::string& line) { execute(line); }, [this] { _io.stop(); });
+    Input input(_io, [this](const std::string& line) { execute(line); });
     input.start();
     if (_scenario) {
         _scenario->start();

@@ -15,22 +15,6 @@
 
 namespace tools {
 
-namespace {
-
-// Characters that show nothing, or that change how others are shown. The locale calls them
-// printable.
-bool isFormat(wchar_t character) {
-    constexpr wchar_t ranges[][2] = {{0xAD, 0xAD},     {0x600, 0x605},     {0x61C, 0x61C},
-                                     {0x180E, 0x180E}, {0x200B, 0x200F},   {0x2028, 0x202E},
-                                     {0x2060, 0x206F}, {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},
-                                     {0xFFF9, 0xFFFC}, {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}};
-    return std::any_of(std::begin(ranges), std::end(ranges), [=](const wchar_t(&range)[2]) {
-        return character >= range[0] && character <= range[1];
-    });
-}
-
-} // namespace
-
 std::string printable(const std::string& text) {
     std::string result;
     for (std::size_t i = 0; i < text.size();) {
@@ -39,8 +23,10 @@ std::string printable(const std::string& text) {
         // For a zero byte the length is 0. For an invalid sequence it is huge.
         const std::size_t length =
             std::mbrtowc(&character, text.data() + i, text.size() - i, &state);
-        if (length <= text.size() && std::iswprint(static_cast<wint_t>(character)) != 0 &&
-            !isFormat(character)) {
+        // ASCII, and the letters of all languages: other characters may be invisible, or change
+        // how others are shown.
+        if (length <= text.size() && (std::isprint(static_cast<unsigned char>(text[i])) != 0 ||
+                                      std::iswalpha(static_cast<wint_t>(character)) != 0)) {
             result.append(text, i, length);
             i += length;
         } else {

@@ -14,10 +14,9 @@ std::string printed(const char* format, Values... values) {
     return text;
 }
 
-/// Makes text from another program safe for a terminal. A newline becomes `\n`; every byte of a
-/// control character, of an invisible one or one that changes the direction of text, of any other
-/// that the locale cannot print, or of an invalid sequence becomes `\xNN`. The rest stays. Uses the
-/// program's LC_CTYPE: call `setlocale` first.
+/// Makes text from another program safe for a terminal. Printable ASCII and the locale's letters
+/// stay. A newline becomes `\n`, every other byte `\xNN`. Uses the program's LC_CTYPE: call
+/// `setlocale` first.
 std::string printable(const std::string& text);
 
 /// Breaks a line for a terminal with this many columns, between words if possible, and indents what

@@ -7,6 +7,10 @@
 #include <vector>
 
 #include "tools/azubsim/engine/Fault.h"
+#include "tools/azubsim/protocol/Names.h"
+#include "tools/common/Error.h"
+#include "tools/common/Number.h"
+#include "tools/common/Text.h"
 
 namespace azubsim {
 
@@ -21,24 +25,59 @@ public:
     void add(const Fault& fault) { _faults.push_back(fault); }
 
     /// `every` is at least 1; 1 means every answer.
-    void setEvery(unsigned int every);
-    void setSeed(std::optional<std::uint32_t> seed);
+    void setEvery(unsigned int every) {
+        _every = every;
+        _answers = 0;
+    }
+
+    void setSeed(std::optional<std::uint32_t> seed) {
+        _seed = seed;
+        _random.seed(seed.value_or(0));
+    }
 
     /// Aims at the answers to a command, for example "GetAudioTs", to a client, for example
     /// "client 3", or at "all".
     void aim(const std::string& target) { _target = target; }
 
     /// Throws a `tools::Error` if this is no target.
-    static void checkTarget(const std::string& target);
+    static void checkTarget(const std::string& target) {
+        const tools::Words words(target);
+        const int client = tools::parseInteger<int>(words.rest).value_or(0);
+        tools::require((words.first == "client" && client > 0) || target == "all" ||
+                           names::contains(names::commands, target),
+                       "'" + target + "' is not one of " + names::joined(names::commands, ", ") +
+                           ", client N and all");
+    }
 
     /// The fault for the next answer, if it gets one.
-    std::optional<Fault> next(int client, const std::string& command);
+    std::optional<Fault> next(int client, const std::string& command) {
+        const bool isAimed =
+            _target == "all" || _target == command || _target == "client " + std::to_string(client);
+        // Use remainders, because distributions differ between standard libraries.
+        if (_faults.empty() || !isAimed || (_seed ? _random() : ++_answers) % _every != 0) {
+            return std::nullopt;
+        }
+        return _faults[(_seed ? _random() : _turn++) % _faults.size()];
+    }
 
-    /// Spoils the engine's answer, which is without its end marker, if there is a fault.
-    void answer(Exchange& exchange, const std::string& answer, const std::optional<Fault>& fault);
+    /// Sets the reply: the engine's answer, which is without its end marker, or what a fault makes
+    /// of it.
+    void answer(Exchange& exchange, const std::string& answer, const std::optional<Fault>& fault) {
+        exchange.reply = fault ? fault->apply(answer, _random) : deliver(answer);
+        if (fault) {
+            exchange.fault = fault->text();
+            exchange.said = answer + endMarker;
+        }
+    }
 
     /// The faults, a line each.
-    std::string status() const;
+    std::string status() const {
+        std::string text = _faults.empty() ? "fault none\n" : "";
+        for (const Fault& fault : _faults) {
+            text += "fault " + fault.text() + '\n';
+        }
+        return text;
+    }
 
 private:
     std::vector<Fault> _faults;

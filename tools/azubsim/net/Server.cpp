@@ -143,10 +143,13 @@ void Server::accept() {
     });
 }
 
+// Also tries again what has failed.
 void Server::serve() {
-    if (const auto connection = _serve(_client, _accepted)) {
-        connected();
-        _connections.push_back(connection);
+    if (_client.is_open()) {
+        if (const auto connection = _serve(_client, _accepted)) {
+            connected();
+            _connections.push_back(connection);
+        }
     }
     if (_client.is_open()) {
         tryAgain();
@@ -158,13 +161,8 @@ void Server::serve() {
 void Server::tryAgain() {
     _pause.expires_after(pauseTime);
     _pause.async_wait([this](const asio::error_code& cancelled) {
-        if (cancelled) {
-            return;
-        }
-        if (_client.is_open()) {
+        if (!cancelled) {
             serve();
-        } else {
-            accept();
         }
     });
 }

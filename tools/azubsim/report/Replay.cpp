@@ -30,7 +30,7 @@ void Replay::add(Exchange exchange) {
         last->pieces.insert(last->pieces.end(), reply.pieces.begin(), reply.pieces.end());
         last->closes = reply.closes;
     } else if (exchange.isComplete) {
-        auto& replies = _answers[key(exchange.request)].replies;
+        auto& replies = _answers[key(exchange.request)];
         replies.push_back(std::move(reply));
         last = &replies.back();
     }
@@ -42,18 +42,17 @@ std::string Replay::key(const std::string& request) const {
 
 Reply Replay::next(const std::string& request) {
     const std::string command = key(request);
-    auto& [replies, next] = _answers[command];
-    if (next == replies.size()) {
+    std::deque<Reply>& replies = _answers[command];
+    if (replies.empty()) {
         return {{}, true};
     }
-    Reply reply = replies[next++];
-    if (next == replies.size()) {
-        if (_rules.repeats) {
-            next = 0;
-        } else {
-            _tell("the recording has no more answers" + (command.empty() ? "" : " to " + command) +
-                  "; further requests close the connection");
-        }
+    Reply reply = replies.front();
+    replies.pop_front();
+    if (_rules.repeats) {
+        replies.push_back(reply);
+    } else if (replies.empty()) {
+        _tell("the recording has no more answers" + (command.empty() ? "" : " to " + command) +
+              "; further requests close the connection");
     }
     return reply;
 }

@@ -31,18 +31,13 @@ public:
     Reply next(const std::string& request);
 
 private:
-    struct Answers {
-        std::deque<Reply> replies;
-        std::size_t next = 0;
-    };
-
     void add(Exchange exchange);
     std::string key(const std::string& request) const;
 
     const Rules _rules;
     const Tell _tell;
-    std::map<std::string, Answers> _answers; ///< By command.
-    std::map<int, Reply*> _last;             ///< By client.
+    std::map<std::string, std::deque<Reply>> _answers; ///< By command.
+    std::map<int, Reply*> _last;                       ///< By client.
 };
 
 } // namespace azubsim
