@@ -81,7 +81,7 @@ TEST_F(Azubsim, RefusesBadOptions) {
         expectFailure(AZUBSIM, ignored + at, 2, "azubsim: ");
     }
     expectFailure(AZUBSIM, "engine --socket " + longPath, 1,
-                  cannot + longPath + ": a socket path must have 1 to 107 bytes\n");
+                  cannot + longPath + ": a socket path must have 1 to 107 bytes, not 200\n");
     expectFailure(AZUBSIM, "engine --socket " + file + "/x", 1,
                   cannot + file + "/x: Not a directory\n");
     expectFailure(AZUBSIM, "replay " + file + at, 1,

@@ -59,12 +59,6 @@ void addCommand(CLI::App& app, Options& options, const std::string& name, const 
         ->take_all();
 }
 
-void addCommandFlag(CLI::App& app, Options& options, const char* name, const char* command,
-                    const char* description) {
-    app.add_flag_callback(
-        name, [=, &options] { options.commands.emplace_back(command); }, description);
-}
-
 void addFaultsAndRecord(CLI::App& app, Options& options) {
     addCommand(app, options, "fault", "FAULT",
                "Apply this fault to answers. If the option is repeated,\n"
@@ -92,7 +86,9 @@ void addServing(CLI::App& app, Options& options, Mode mode) {
             "Carry out the commands of this file: lines of\n"
             "SECONDS COMMAND, with the time since the start. Lines\n"
             "that start with # are comments");
-    addCommandFlag(app, options, "--quiet", "quiet on", "Print no line per exchange");
+    app.add_flag_callback(
+        "--quiet", [&options] { options.commands.emplace_back("quiet on"); },
+        "Print no line per exchange");
     app.footer([mode, name = app.get_name()] {
         Options nothing;
         nothing.mode = mode;
@@ -106,8 +102,9 @@ void addServers(CLI::App& app, Options& options) {
                                "Simulate the audio engine, also one with faults");
     addServing(engine, options, Mode::Engine);
     addFaultsAndRecord(engine, options);
-    addCommandFlag(engine, options, "--no-call", "call off",
-                   "Start outside a call: every request gets error code 1003");
+    engine.add_flag_callback(
+        "--no-call", [&options] { options.commands.emplace_back("call off"); },
+        "Start outside a call: every request gets error code 1003");
     addPath(engine, "--network", options.networkFile, "FILE",
             "Follow a recorded network: the latency and the jitter\n"
             "buffer's depth of this CSV file, by the time since the\n"

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <thread>
 
@@ -18,35 +19,32 @@ namespace {
 
 using namespace azubsim;
 
-void complainIfCut(const Recording& recording) {
+void forEachExchange(const std::string& path, bool follows,
+                     const std::function<void(const Exchange&)>& handle) {
+    Recording recording(path);
+    do {
+        while (const auto exchange = recording.next()) {
+            handle(*exchange);
+            tools::checkOutput();
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(follows ? 100 : 0));
+    } while (follows);
     if (recording.isCut()) {
         tools::complain("the last line of the recording is unfinished and is left out");
     }
 }
 
 void show(const std::string& path, bool follows) {
-    Recording recording(path);
-    do {
-        while (const auto exchange = recording.next()) {
-            std::cout << tools::broken(exchangeLine(*exchange),
-                                       tools::terminalColumns(STDOUT_FILENO))
-                      << '\n';
-            tools::checkOutput();
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(follows ? 100 : 0));
-    } while (follows);
-    complainIfCut(recording);
+    forEachExchange(path, follows, [](const Exchange& exchange) {
+        std::cout << tools::broken(exchangeLine(exchange), tools::terminalColumns(STDOUT_FILENO))
+                  << '\n';
+    });
 }
 
 void trace(const std::string& path) {
-    Recording recording(path);
     Trace trace(std::cout);
-    while (const auto exchange = recording.next()) {
-        trace.add(*exchange);
-        tools::checkOutput();
-    }
+    forEachExchange(path, false, [&](const Exchange& exchange) { trace.add(exchange); });
     trace.end();
-    complainIfCut(recording);
 }
 
 void run(const Options& options) {

@@ -6,6 +6,10 @@
 
 namespace lipsyncctl {
 
+/// Drops the library's log lines from now on, except for fatal ones. No other thread may use the
+/// library or `stderr` yet.
+void dropLog();
+
 /// Measures this number of exchanges. Prints the figures even if a signal or a failure, which it
 /// throws, ends it early.
 void ping(Connection& connection, unsigned long exchanges, Output& output);

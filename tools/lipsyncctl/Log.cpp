@@ -1,4 +1,4 @@
-#include "tools/lipsyncctl/Log.h"
+#include "tools/lipsyncctl/Commands.h"
 
 #include <android/log.h>
 #include <unistd.h>

@@ -6,7 +6,6 @@
 #include "tools/common/Tool.h"
 #include "tools/lipsyncctl/Commands.h"
 #include "tools/lipsyncctl/Interrupt.h"
-#include "tools/lipsyncctl/Log.h"
 #include "tools/lipsyncctl/Reading.h"
 
 namespace lipsyncctl {

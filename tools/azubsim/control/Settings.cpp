@@ -46,10 +46,8 @@ void addEngineCommands(Commands& commands, AudioEngine& engine) {
 void addFaultCommands(Commands& commands, FaultPlan& faults) {
     commands.addText({"fault", "FAULT|none", "apply this fault instead of all others, or none"},
                      [&](const std::string& text) {
-                         std::optional<Fault> fault;
-                         if (text != "none") {
-                             fault.emplace(text);
-                         }
+                         const auto fault =
+                             text == "none" ? std::nullopt : std::optional(Fault(text));
                          return [&, fault] {
                              faults.clear();
                              if (fault) {

@@ -14,7 +14,8 @@ namespace azubsim {
 Address toAddress(const std::string& path) {
     constexpr std::size_t maxSize = sizeof(sockaddr_un::sun_path) - 1;
     tools::require(!path.empty() && path.size() <= maxSize,
-                   "a socket path must have 1 to " + std::to_string(maxSize) + " bytes");
+                   "a socket path must have 1 to " + std::to_string(maxSize) + " bytes, not " +
+                       std::to_string(path.size()));
     return {path};
 }
 

@@ -53,7 +53,13 @@ std::shared_ptr<Connection> TapSession::start() {
     _client->start(std::move(client));
     Connection::Handlers engine;
     engine.received = [self](std::string_view bytes) { self->answered(bytes); };
-    engine.ended = [self] { self->engineEnded(); };
+    engine.ended = [self] {
+        if (!self->_pending.empty()) {
+            self->giveUpFault(self->_pending.front(), "no complete answer");
+        }
+        self->_engine->close();
+        self->_client->closeWhenSent();
+    };
     engine.drained = [self] { self->_client->resume(); };
     _engine->start(std::move(engine));
     return _client;
@@ -68,14 +74,6 @@ void TapSession::clientLeft() {
             self->_client->close();
         }
     });
-}
-
-void TapSession::engineEnded() {
-    if (!_pending.empty()) {
-        giveUpFault(_pending.front(), "no complete answer");
-    }
-    _engine->close();
-    _client->closeWhenSent();
 }
 
 void TapSession::requested(std::string_view bytes) {
@@ -126,7 +124,11 @@ void TapSession::answered(std::string_view bytes) {
 
 void TapSession::addAnswer(std::string_view bytes, bool isComplete) {
     Pending& pending = _pending.front();
-    if (keep(pending, bytes.size() + sizeof(Reply::Piece))) {
+    const std::size_t size = bytes.size() + sizeof(Reply::Piece);
+    // What is kept must not have gaps.
+    if (pending.exchange.leftOut == 0 && _shared.kept + size <= maxKept) {
+        pending.kept += size;
+        _shared.kept += size;
         const auto wait = _arrival - std::exchange(pending.lastPiece, _arrival);
         pending.exchange.reply.pieces.push_back({wait, std::string(bytes)});
     } else {
@@ -149,16 +151,6 @@ void TapSession::addAnswer(std::string_view bytes, bool isComplete) {
         _engine->close();
         _client->closeWhenSent();
     }
-}
-
-bool TapSession::keep(Pending& pending, std::size_t size) {
-    // What is kept must not have gaps.
-    if (pending.exchange.leftOut > 0 || _shared.kept + size > maxKept) {
-        return false;
-    }
-    pending.kept += size;
-    _shared.kept += size;
-    return true;
 }
 
 void TapSession::spoil(Pending& pending) {

@@ -46,11 +46,9 @@ private:
     void addPending(const std::string& request);
     void answered(std::string_view bytes);
     void addAnswer(std::string_view bytes, bool isComplete);
-    bool keep(Pending& pending, std::size_t size);
     void spoil(Pending& pending);
     void giveUpFault(Pending& pending, const char* reason);
     void clientLeft();
-    void engineEnded();
     void reportFirst();
     void reportRest();
 

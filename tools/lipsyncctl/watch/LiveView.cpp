@@ -15,8 +15,8 @@
 
 #include "tools/common/Text.h"
 #include "tools/common/Time.h"
+#include "tools/lipsyncctl/Commands.h"
 #include "tools/lipsyncctl/Interrupt.h"
-#include "tools/lipsyncctl/Log.h"
 #include "tools/lipsyncctl/watch/LatencyStrip.h"
 
 // Last, because it defines macros with common names.
