@@ -12,13 +12,13 @@ namespace azubsim {
 
 namespace {
 
+using tools::Error;
+using Mode = Options::Mode;
+
 // A tap has two descriptors for each of them, and the usual limit is 1024.
 constexpr std::size_t maxClients = 400;
 
 } // namespace
-
-using tools::Error;
-using Mode = Options::Mode;
 
 Program::Program(const Options& options)
     : _options(options),

@@ -20,7 +20,7 @@ using std::chrono::microseconds;
 using tools::Error;
 using tools::require;
 
-const std::string headerStart = R"({"format":"azubsim recording","version":3)";
+const std::string firstLineStart = R"({"format":"azubsim recording","version":3)";
 constexpr double maxWaitMs = 3600000;
 
 // Writes each byte as the character with the same number, in UTF-8.
@@ -92,12 +92,12 @@ std::string line(const Json& object) {
     return object.dump(-1, ' ', true) + '\n';
 }
 
-std::string header() {
-    return headerStart + ",\"made\":\"" + tools::isoTime(tools::now(), 6) + "\"}\n";
+std::string firstLine() {
+    return firstLineStart + ",\"made\":\"" + tools::isoTime(tools::now(), 6) + "\"}\n";
 }
 
-void checkHeader(const std::string& line) {
-    require(line.compare(0, headerStart.size(), headerStart) == 0,
+void checkFirstLine(const std::string& line) {
+    require(line.compare(0, firstLineStart.size(), firstLineStart) == 0,
             "it is not the header of a recording of version 3");
 }
 
@@ -134,7 +134,7 @@ Exchange toExchange(const std::string& line) {
 
 Recorder::Recorder(const std::string& path)
     : _path(path), _file(std::fopen(path.c_str(), "wxe"), std::fclose) {
-    write(header());
+    write(firstLine());
 }
 
 void Recorder::add(const Exchange& exchange) {
@@ -159,7 +159,7 @@ Recording::Recording(const std::string& path)
 std::optional<Exchange> Recording::next() {
     try {
         if (_lines == 0 && readLine()) {
-            checkHeader(std::exchange(_line, ""));
+            checkFirstLine(std::exchange(_line, ""));
         }
         if (_lines == 0 || !readLine()) {
             return std::nullopt;

@@ -14,7 +14,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t maxText = 1000;
+constexpr std::size_t maxEventText = 1000;
 
 // The figures by the names of their curves.
 Json figures(const Description& description) {
@@ -37,7 +37,7 @@ Json arguments(const Exchange& exchange, const Description& description) {
           std::pair("argument", description.argument), std::pair("message", description.message),
           std::pair("after", description.after), std::pair("fault", exchange.fault)}) {
         if (!text.empty()) {
-            arguments[name] = text.substr(0, maxText);
+            arguments[name] = text.substr(0, maxEventText);
         }
     }
     arguments["engine_ms"] =
