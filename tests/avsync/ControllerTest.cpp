@@ -11,10 +11,7 @@
 
 #include "avsync/Window.h"
 
-using velta::zub::avsync::allowedSkew;
-using velta::zub::avsync::Controller;
-using velta::zub::avsync::Correction;
-using velta::zub::avsync::Reading;
+using namespace velta::zub::avsync;
 
 namespace {
 

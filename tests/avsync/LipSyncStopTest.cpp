@@ -4,22 +4,7 @@
 
 #include "tests/avsync/LipSyncTest.h"
 
-using std::chrono::milliseconds;
 using tests::LipSyncTest;
-using velta::zub::avsync::LipSync;
-
-namespace {
-
-constexpr milliseconds slack{500};
-constexpr int queueLength = 5; // Linux lets one more client wait than a listener asks for.
-
-milliseconds timeToStop(LipSync& lipSync) {
-    const auto start = std::chrono::steady_clock::now();
-    lipSync.stop();
-    return std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);
-}
-
-} // namespace
 
 TEST_F(LipSyncTest, ResetsTheMarginAtTheEndUnlessToldNotTo) {
     tests::ScriptedEngine engine(options);
@@ -58,6 +43,7 @@ TEST_F(LipSyncTest, StopsInTimeWhateverTheEngineDoes) {
 
 TEST_F(LipSyncTest, LeavesAThreadThatCannotConnectToItself) {
     const tests::Listener listener(socket);
+    constexpr int queueLength = 5; // Linux lets one more client wait than a listener asks for.
     std::vector<std::unique_ptr<velta::zub::comms::Link>> waiting;
     while (waiting.size() < queueLength) {
         waiting.push_back(connectTo(socket));
@@ -75,7 +61,7 @@ TEST_F(LipSyncTest, LeavesAThreadThatCannotConnectToItself) {
     }
     const int client = listener.accept();
     char byte;
-    EXPECT_EQ(read(client, &byte, 1), 0);
+    EXPECT_EQ(::read(client, &byte, 1), 0);
     close(client);
 }
 

@@ -59,6 +59,7 @@ protected:
     using Clock = std::chrono::steady_clock;
 
     static constexpr milliseconds deadline{300};
+    static constexpr milliseconds slack{500};
 
     LipSyncTest() {
         options.socket = socket;
@@ -97,6 +98,12 @@ protected:
             return status.isSteered && status.message.empty() &&
                    velta::zub::avsync::allowedSkew.contains(status.skewMs);
         });
+    }
+
+    static milliseconds timeToStop(LipSync& lipSync) {
+        const auto start = Clock::now();
+        lipSync.stop();
+        return std::chrono::duration_cast<milliseconds>(Clock::now() - start);
     }
 
     LipSync::Options options;

@@ -20,7 +20,6 @@
 
 using tests::Call;
 using tests::SocketPair;
-namespace comms = velta::zub::comms;
 using velta::zub::comms::Link;
 using velta::zub::comms::TextProtocol;
 
@@ -35,9 +34,9 @@ std::string failure(const std::string& what, int error) {
 std::string connectTo(const std::string& server, int port = -1) {
     const auto before = tests::openDescriptors();
     Link* link = reinterpret_cast<Link*>(1);
-    const comms::Client::Result result =
-        port < 0 ? comms::Client::connectUnixServer(server.c_str(), link)
-                 : comms::Client::connectTcpServer(server.c_str(), port, link);
+    using velta::zub::comms::Client;
+    const Client::Result result = port < 0 ? Client::connectUnixServer(server.c_str(), link)
+                                           : Client::connectTcpServer(server.c_str(), port, link);
     EXPECT_EQ(result.isSuccess(), link != nullptr);
     delete link;
     EXPECT_EQ(tests::openDescriptors(), before);

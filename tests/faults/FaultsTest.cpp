@@ -19,10 +19,7 @@
 #include "tests/support/OpenDescriptors.h"
 #include "tests/support/Silence.h"
 
-using tests::Call;
-using tests::memory;
-using tests::SystemCalls;
-using tests::systemCalls;
+using namespace tests;
 using velta::zub::lipsyncapi::Service;
 
 namespace {
@@ -63,13 +60,13 @@ const Operation operations[] = {
     {true, connectCaller, "Bad state (Code 1003): Already connected to the audio ZUB"},
     {true, [](Caller& c) { return c.service->disconnect(); }, "Success"},
     {true, [](Caller& c) { return c.service.reset(), Service::Result::success(); }, "Success"},
-    {true, setMargin, "Success", tests::delayFrame("1000")},
+    {true, setMargin, "Success", delayFrame("1000")},
     {true, setMargin, "The lipsync server returned an error (Code 1006): {Unknown error (Code "
-     "1001): " + longText + '}', tests::delayFrame("1001", longText)},
-    {true, getTimestamps, "Success", tests::timestampsFrame("1", "2", "3", "4")},
+     "1001): " + longText + '}', delayFrame("1001", longText)},
+    {true, getTimestamps, "Success", timestampsFrame("1", "2", "3", "4")},
     // TinyXML reads answers that have an entity.
     {true, getTimestamps, "The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): "
-     "&}", tests::timestampsFrame("1", "2", "3", "4", "1003", "&amp;")},
+     "&}", timestampsFrame("1", "2", "3", "4", "1003", "&amp;")},
 };
 // clang-format on
 
@@ -120,9 +117,9 @@ Outcome observe(const Operation& operation, const SystemCalls& plan, int failing
     // Now, so that they do not count as lost.
     outcome.result.reserve(sizeof(lastRecord));
     outcome.record.reserve(sizeof(lastRecord));
-    const auto descriptors = tests::openDescriptors();
+    const auto descriptors = openDescriptors();
     {
-        tests::EngineDouble engine({operation.answer});
+        EngineDouble engine({operation.answer});
         outcome.path = engine.path();
         const long blocks = memory.blocks();
         run(operation, plan, failingAllocation, outcome);
@@ -132,7 +129,7 @@ Outcome observe(const Operation& operation, const SystemCalls& plan, int failing
         EXPECT_TRUE(outcome.hasFailed || request.empty() ||
                     request.find("\n\n") == request.size() - 2);
     }
-    EXPECT_EQ(tests::openDescriptors(), descriptors);
+    EXPECT_EQ(openDescriptors(), descriptors);
     return outcome;
 }
 
@@ -151,7 +148,7 @@ std::string expected(const Operation& operation, Call call, int error, const std
         return operation.result;
     }
     if (error == (call == Call::Write ? EPIPE : ECONNRESET)) {
-        return tests::closedByDistant;
+        return closedByDistant;
     }
     return "An error has occured in the transport layer (Code 1005): {Protocol error (Code 5902): "
            "{Link error (Code 40003): {I/O error (Code 10004): " +
@@ -179,7 +176,7 @@ long blocksLostByParser(const std::string& answer) {
 
 TEST(Faults, AFailingSystemCallGivesTheExpectedResult) {
     SKIP_WITHOUT_SOCKET_FILES();
-    const tests::Silence silence;
+    const Silence silence;
     for (const Operation& operation : operations) {
         for (const Call call :
              {Call::Socket, Call::Connect, Call::Write, Call::Read, Call::Shutdown, Call::Close}) {
@@ -201,7 +198,7 @@ TEST(Faults, AFailingSystemCallGivesTheExpectedResult) {
 
 TEST(Faults, AFailingAllocationThrowsOrKeepsTheResultAndLeaksNothing) {
     SKIP_WITHOUT_SOCKET_FILES();
-    const tests::Silence silence;
+    const Silence silence;
     for (const Operation& operation : operations) {
         const Outcome plain = observe(operation, {});
         long lostBlocks = 0;

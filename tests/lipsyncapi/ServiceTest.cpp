@@ -13,11 +13,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/Frames.h"
 
-using tests::closedByDistant;
-using tests::delayFrame;
-using tests::EngineDouble;
-using tests::logOf;
-using tests::timestampsFrame;
+using namespace tests;
 using velta::zub::common::LipSyncNtpTimestamps;
 using velta::zub::lipsyncapi::Service;
 
@@ -33,7 +29,7 @@ std::string values(const LipSyncNtpTimestamps& t) {
 }
 
 std::string delayRequest(const std::string& delayMs) {
-    return tests::frame("<SetAudioDelay_Request>" + delayMs + "</SetAudioDelay_Request>");
+    return frame("<SetAudioDelay_Request>" + delayMs + "</SetAudioDelay_Request>");
 }
 
 // A service connected to a scripted engine.
@@ -113,7 +109,7 @@ TEST(Service, ChecksMarginsBeforeItSendsThem) {
 
 TEST(Service, TurnsAnswersIntoResults) {
     SKIP_WITHOUT_SOCKET_FILES();
-    std::ifstream table(tests::sourceFile("tests/lipsyncapi/answers.txt"));
+    std::ifstream table(sourceFile("tests/lipsyncapi/answers.txt"));
     int rows = 0;
     for (std::string call, answer, expected; std::getline(table, call);) {
         if (call.empty() || call[0] == '#') {
@@ -172,7 +168,7 @@ TEST(Service, LogsOneLineForEachCallUnlessItIsAnsweredAtOnce) {
                       "audioCaptureTimestamp=18446744073709551615 audioRenderingTimestamp=2000 "
                       "audioReceivingTimestamp=3 jbmCurrentDepth=4  with result: Success") +
                  line("Client is disconnected with result: Success"));
-    EXPECT_EQ(engine.received(), delayRequest("40") + tests::frame("<GetAudioTs_Request />"));
+    EXPECT_EQ(engine.received(), delayRequest("40") + frame("<GetAudioTs_Request />"));
     EXPECT_EQ(granularityMs, 20UL);
     EXPECT_EQ(maxMs, 100UL);
     EXPECT_EQ(Service::capabilityGranularityMs, granularityMs);

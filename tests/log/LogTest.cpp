@@ -12,15 +12,9 @@
 
 using velta::utilities::StandardLog;
 using velta::utilities::details::Level;
-using velta::zub::log::reachesLogDaemon;
-using velta::zub::log::throughput_limit;
-using velta::zub::log::ThroughputLimit;
+using namespace velta::zub::log;
 
 namespace {
-
-void logRecord() {
-    StandardLog::Stream<Level::Info>("TAG") << "text";
-}
 
 using Pauses = std::vector<useconds_t>;
 
@@ -28,7 +22,7 @@ Pauses pausesOf(int records, const ThroughputLimit& limit) {
     throughput_limit = limit;
     tests::pauses.clear();
     for (; records > 0; --records) {
-        logRecord();
+        StandardLog::Stream<Level::Info>("TAG") << "text";
     }
     throughput_limit = {0, 0, 0};
     return tests::pauses;

@@ -9,6 +9,8 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,11 +26,15 @@ public:
     /// cannot move its cursor, or to a full disk.
     enum Output { ToTest, ToTerminal, ToDumbTerminal, ToFullDisk };
 
-    /// The first argument is the program, a path in the build folder.
-    explicit Process(std::vector<std::string> arguments, Output output = ToTest) {
-        arguments[0] = builtFile(arguments[0]);
-        std::vector<char*> argv(arguments.size() + 1);
-        std::transform(arguments.begin(), arguments.end(), argv.begin(),
+    /// The program is a path in the build folder. Blanks separate the arguments, except in `more`.
+    explicit Process(const std::string& program, const std::string& arguments,
+                     Output output = ToTest, const std::vector<std::string>& more = {}) {
+        std::istringstream words(arguments);
+        std::vector<std::string> all{builtFile(program)};
+        all.insert(all.end(), std::istream_iterator<std::string>(words), {});
+        all.insert(all.end(), more.begin(), more.end());
+        std::vector<char*> argv(all.size() + 1);
+        std::transform(all.begin(), all.end(), argv.begin(),
                        [](std::string& argument) { return argument.data(); });
         if (output == ToTerminal || output == ToDumbTerminal) {
             const winsize size{24, 80, 0, 0};
@@ -72,10 +78,7 @@ public:
                 const std::string rest = readUntil("\n");
                 const bool isFlag =
                     rest.find(": unsupported flags DT_FLAGS_1=") != std::string::npos;
-                output.append(rest);
-                if (isFlag) {
-                    output.clear();
-                }
+                output = isFlag ? "" : output + rest;
             }
         }
         return output;

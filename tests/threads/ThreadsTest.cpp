@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <future>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -36,12 +37,9 @@ TEST(Threads, MayEachUseAServiceIfOneLockProtectsExchanges) {
         }
     };
     const std::string log = tests::logOf([&] {
-        std::vector<std::thread> threads;
+        std::vector<std::future<void>> threads;
         for (int i = 0; i < threadCount; ++i) {
-            threads.emplace_back(useService, std::to_string(i));
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
+            threads.push_back(std::async(std::launch::async, useService, std::to_string(i)));
         }
     });
     // Each call writes one line to each of two outputs.

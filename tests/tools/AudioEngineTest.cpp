@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cmath>
 #include <fstream>
 
 #include "avsync/Ntp.h"
@@ -12,79 +13,70 @@ namespace {
 
 using namespace azubsim;
 using std::chrono::milliseconds;
-using std::chrono::seconds;
 using velta::zub::avsync::ntpMsBetween;
 using Time = AudioEngine::Clock::time_point;
 
 class Engines : public testing::Test {
 protected:
-    Timestamps at(Time now) const {
-        Timestamps result;
-        engine.timestamps(now, result);
-        return result;
+    Engines() {
+        engine.setNetworkMs(80);
+        engine.setJitterMs(0);
     }
 
-    // How long before its arrival the last packet was captured, by the far end's clock.
-    void expectTravel(double ms, Time now) const {
-        EXPECT_NEAR(ntpMsBetween(at(now).capture, at(now).receiving), ms, 1e-3);
+    static Time after(double seconds) { return start + milliseconds(std::llround(1000 * seconds)); }
+
+    // How long before its arrival the last packet was captured, by the far end's clock, and from
+    // its arrival to its rendering.
+    Timestamps expect(double seconds, double travelMs, double waitMs) const {
+        Timestamps timestamps;
+        engine.timestamps(after(seconds), timestamps);
+        EXPECT_NEAR(ntpMsBetween(timestamps.capture, timestamps.receiving), travelMs, 1e-3);
+        EXPECT_NEAR(ntpMsBetween(timestamps.receiving, timestamps.rendering), waitMs, 1e-3);
+        return timestamps;
     }
 
-    // From its arrival to its rendering.
-    void expectWait(double ms, Time now) const {
-        EXPECT_NEAR(ntpMsBetween(at(now).receiving, at(now).rendering), ms, 1e-3);
-    }
-
-    const Time start{seconds(1800000000)};
+    static constexpr Time start{std::chrono::seconds(1800000000)};
     AudioEngine engine;
 };
 
 TEST_F(Engines, DriftWithoutJumps) {
-    engine.setNetworkMs(80);
     engine.setDriftPpm(-250.5, start);
-    expectTravel(80, start);
-    const auto later = start + seconds(1000) + milliseconds(13);
-    expectTravel(80 + 250.5, later);
-    engine.setDriftPpm(100000, later);
-    expectTravel(80 + 250.5, later);
-    expectTravel(80 + 250.5 - 200, later + seconds(2));
-    engine.setOffsetMs(-5, later + seconds(2));
-    expectTravel(80 + 5, later + seconds(2));
-    expectTravel(80 + 5 - 100, later + seconds(3));
+    expect(0, 80, 10);
+    expect(1000.013, 80 + 250.5, 10);
+    engine.setDriftPpm(100000, after(1000.013));
+    expect(1000.013, 80 + 250.5, 10);
+    expect(1002.013, 80 + 250.5 - 200, 10);
+    engine.setOffsetMs(-5, after(1002.013));
+    expect(1002.013, 80 + 5, 10);
+    expect(1003.013, 80 + 5 - 100, 10);
 }
 
 TEST_F(Engines, StandStillWhileTheyAreFrozen) {
-    engine.setJitterMs(0);
     engine.freeze(start);
-    const Timestamps frozen = at(start);
     engine.setMargin(100, start);
     engine.setNetworkMs(500);
-    engine.freeze(start + seconds(1));
-    const Timestamps later = at(start + seconds(2));
-    EXPECT_EQ(later.capture, frozen.capture);
-    EXPECT_EQ(later.rendering, frozen.rendering);
-    EXPECT_EQ(later.receiving, frozen.receiving);
+    engine.freeze(after(1));
+    EXPECT_EQ(expect(2, 80, 10).receiving, expect(0, 80, 10).receiving);
     engine.unfreeze();
-    EXPECT_EQ(at(start + seconds(2)).receiving - frozen.receiving, 2ULL << 32);
-    expectWait(110, start + seconds(2));
+    expect(2, 500, 110);
 }
 
 TEST_F(Engines, ApplyAMarginAtTheRateOfTheSlew) {
-    engine.setJitterMs(0);
     engine.setSlew(20, start);
     engine.setMargin(60, start);
-    expectWait(10, start);
-    expectWait(10 + 20, start + seconds(1));
-    engine.setMargin(0, start + seconds(2));
-    expectWait(10 + 30, start + milliseconds(2500));
-    engine.setSlew(10, start + milliseconds(2500));
-    expectWait(10 + 25, start + seconds(3));
-    expectWait(10, start + seconds(60));
-    engine.setMargin(100, start + seconds(60));
-    engine.setSlew(0, start + seconds(60));
-    expectWait(10 + 100, start + seconds(60));
-    engine.setSlew(20, start + seconds(61));
+    expect(0, 80, 10);
+    expect(1, 80, 10 + 20);
+    engine.setMargin(0, after(2));
+    expect(2.5, 80, 10 + 30);
+    engine.setSlew(10, after(2.5));
+    expect(3, 80, 10 + 25);
+    expect(60, 80, 10);
+    engine.setMargin(100, after(60));
+    engine.setSlew(0, after(60));
+    expect(60, 80, 10 + 100);
+    engine.setSlew(20, after(61));
     engine.resetMargin();
-    expectWait(10, start + seconds(61));
+    expect(61, 80, 10);
 }
 
 TEST_F(Engines, FollowANetworkAgainAndAgain) {
@@ -95,20 +87,17 @@ TEST_F(Engines, FollowANetworkAgainAndAgain) {
                            "0,70.5,13,0\n0.1,200,100.6,0\r\n0.3,100,95,0\n";
     engine.follow(Network(file));
     engine.startNetwork(start);
-    engine.startNetwork(start + milliseconds(200));
+    engine.startNetwork(after(0.2));
     engine.setMargin(40, start);
-    const auto expect = [&](int afterMs, double audioMs, double waitMs, std::uint64_t depthMs) {
-        const Time now = start + milliseconds(afterMs);
-        expectTravel(audioMs - waitMs, now);
-        expectWait(waitMs + 40, now);
-        EXPECT_EQ(at(now).jitterDepthMs, depthMs);
+    const auto expectRow = [&](double seconds, double audioMs, double waitMs, unsigned depthMs) {
+        EXPECT_EQ(expect(seconds, audioMs - waitMs, waitMs + 40).jitterDepthMs, depthMs);
     };
-    for (const int afterMs : {-500, 0, 99, 500, 500000}) {
-        expect(afterMs, 70.5, 23, 13);
+    for (const double seconds : {-0.5, 0.0, 0.099, 0.5, 500.0}) {
+        expectRow(seconds, 70.5, 23, 13);
     }
-    expect(500100, 200, 110.6, 101);
-    expect(299, 200, 110.6, 101);
-    expect(300, 100, 100, 95);
+    expectRow(500.1, 200, 110.6, 101);
+    expectRow(0.299, 200, 110.6, 101);
+    expectRow(0.3, 100, 100, 95);
 }
 
 } // namespace

@@ -1,27 +1,17 @@
+#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <chrono>
 #include <filesystem>
-#include <thread>
+#include <fstream>
 
 #include "tests/tools/Engine.h"
 
-using testing::IsSubstring;
-using tests::Engine;
-using tests::Process;
-
-namespace {
-
-class Control : public tests::EngineTest {
-protected:
-    const std::string tell = "tell " + socket + ' ';
-    const std::string controlSocket = socket + ".control";
-};
-
-} // namespace
+using namespace tests;
+using Control = EngineTest;
 
 TEST_F(Control, CommandsComeThroughASocketForThisUserOnly) {
-    const Process teller({AZUBSIM, "tell", socket, "offset", "-5"});
+    const std::string controlSocket = socket + ".control";
+    const Process teller(AZUBSIM, "tell " + socket + " offset -5");
     // It waits for an engine that is starting.
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     Engine engine(socket);
@@ -29,30 +19,32 @@ TEST_F(Control, CommandsComeThroughASocketForThisUserOnly) {
     struct stat status {};
     stat(controlSocket.c_str(), &status);
     EXPECT_EQ(status.st_mode & 0777, 0600U);
-    EXPECT_PRED_FORMAT2(IsSubstring, "\noffset -5\n", run(AZUBSIM, tell + "status"));
-    expectFailure(AZUBSIM, tell + "offset x", 1, "azubsim: invalid command: offset x: MS must be");
-    run(AZUBSIM, tell + "quit");
+    EXPECT_IN("\noffset -5\n", tell("status"));
+    expectFailure(AZUBSIM, "tell " + socket + " offset x", 1,
+                  "invalid command: offset x: MS must be");
+    tell("quit");
     EXPECT_EQ(engine.wait(), 0);
     EXPECT_FALSE(std::filesystem::exists(controlSocket));
-    expectFailure(AZUBSIM, tell + "status", 1, "azubsim: cannot connect to " + controlSocket);
+    expectFailure(AZUBSIM, "tell " + socket + " status", 1, "cannot connect to " + controlSocket);
 }
 
 TEST_F(Control, EachModeHasItsCommands) {
     const Engine engine(socket);
-    const std::string path = directory.path() + "/tap";
-    const Engine tap(path, {}, {"tap", socket});
-    const std::string status = run(AZUBSIM, "tell " + path + " status");
-    EXPECT_PRED_FORMAT2(IsSubstring, "\nengine " + socket + '\n', status);
-    EXPECT_EQ(status.find("jitter"), std::string::npos);
-    expectFailure(AZUBSIM, "tell " + path + " jitter 5", 1, "azubsim: invalid command: jitter 5");
-    EXPECT_EQ(run(AZUBSIM, "tell " + path + " help").find("jitter"), std::string::npos);
-    run(AZUBSIM, "tell " + path + " fault cut");
+    const Engine running = startTap();
+    const std::string status = run(AZUBSIM, "tell " + tap + " status");
+    EXPECT_IN("\nengine " + socket + '\n', status);
+    for (const std::string& text : {status, run(AZUBSIM, "tell " + tap + " help")}) {
+        EXPECT_EQ(text.find("jitter"), std::string::npos) << text;
+    }
+    expectFailure(AZUBSIM, "tell " + tap + " jitter 5", 1, "invalid command: jitter 5");
+    run(AZUBSIM, "tell " + tap + " fault error 7");
+    run(LIPSYNCCTL, "timestamps" + atTap, 6);
+    EXPECT_IN("  fault: error 7  engine: ok   latency ", running.readUntil("\n"));
 }
 
 TEST_F(Control, TheEndOfATerminalsInputEndsTheProgram) {
-    Process engine(
-        {AZUBSIM, "engine", "--socket", socket, "--fault", "error 1002 " + std::string(60, 'x')},
-        Process::ToTerminal);
+    Process engine(AZUBSIM, "engine" + at, Process::ToTerminal,
+                   {"--fault", "error 1002 " + std::string(60, 'x')});
     if (!engine.hasStarted()) {
         GTEST_SKIP() << "no pseudo-terminal can be opened";
     }
@@ -66,29 +58,42 @@ TEST_F(Control, TheEndOfATerminalsInputEndsTheProgram) {
     engine.write("jitter  5\n");
     engine.readUntil("jitter 5\r\n");
     engine.write("\x04");
-    EXPECT_PRED_FORMAT2(IsSubstring, "1 exchanges, 1 spoiled, 1 clients, ", engine.readAll());
+    EXPECT_IN("1 exchanges, 1 spoiled, 1 clients, ", engine.readAll());
     EXPECT_EQ(engine.wait(), 0);
 }
 
 TEST_F(Control, AReaderThatDoesNotReadStopsNothing) {
-    Engine engine(socket, {"--record", directory.path() + "/record"});
+    Engine engine(socket, {"--record", file});
     run(LIPSYNCCTL, "ping --count 3000" + at);
-    EXPECT_PRED_FORMAT2(IsSubstring, "3000 exchanges", run(AZUBSIM, tell + "status"));
+    EXPECT_IN("3000 exchanges", tell("status"));
     engine.signal(SIGTERM);
     EXPECT_EQ(engine.wait(), 0);
-    EXPECT_PRED_FORMAT2(IsSubstring, "#1 ", engine.readAll());
+    EXPECT_IN("#1 ", engine.readAll());
 }
 
 TEST_F(Control, WhatCannotBeWrittenIsAFailure) {
     // Standard output is full, or its reader has gone.
-    expectFailure(AZUBSIM, "engine" + at, 1, "azubsim: cannot write to standard output: No space");
+    expectFailure(AZUBSIM, "engine" + at, 1, "cannot write to standard output: No space");
     {
         Engine engine(socket);
         engine.stopReading();
         run(LIPSYNCCTL, "timestamps" + at);
         EXPECT_EQ(engine.wait(), 1);
     }
-    expectFailure(AZUBSIM, "engine --record /dev/full" + at, 1,
-                  "azubsim: cannot record to /dev/full: File exists\n");
+    std::ofstream(file) << "precious";
+    expectFailure(AZUBSIM, "engine --record " + file + at, 1,
+                  "cannot record to " + file + ": File exists\n");
     EXPECT_FALSE(std::filesystem::exists(socket));
+    // The disk is full after the header of a recording.
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit usual{};
+    getrlimit(RLIMIT_FSIZE, &usual);
+    const rlimit small{200, usual.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    Engine engine(socket, {"--record", file + '2'});
+    setrlimit(RLIMIT_FSIZE, &usual);
+    run(LIPSYNCCTL, "ping --count 2" + at);
+    engine.signal(SIGTERM);
+    EXPECT_IN("2: File too large; the recording ends here\n", engine.readAll());
+    EXPECT_EQ(engine.wait(), 1);
 }

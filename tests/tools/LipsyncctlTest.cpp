@@ -1,18 +1,10 @@
-#include <array>
-#include <csignal>
 #include <cstdlib>
-#include <memory>
 #include <nlohmann/json.hpp>
-#include <regex>
 
 #include "tests/tools/Engine.h"
 
-using tests::Engine;
-using tests::Process;
-
-using testing::IsSubstring;
-
-using Lipsyncctl = tests::EngineTest;
+using namespace tests;
+using Lipsyncctl = EngineTest;
 
 TEST_F(Lipsyncctl, AnswersPeopleAndPrograms) {
     const Engine engine(socket);
@@ -48,11 +40,9 @@ TEST_F(Lipsyncctl, ReadsTimestampsWithTheMarginThatAnotherClientSet) {
             nlohmann::json::parse(run(LIPSYNCCTL, "timestamps --format json" + at));
         const double received = reading["receiving_ntp"];
         const double depth = reading["jitter_depth_ms"];
-        const double seconds = received / 4294967296 - 2208988800;
-        EXPECT_NEAR(reading["time"], seconds, 2);
+        EXPECT_NEAR(reading["time"], received / 4294967296 - 2208988800, 2);
         EXPECT_LT(reading["capture_ntp"], received);
         EXPECT_GT(reading["rendering_ntp"], received);
-        EXPECT_NEAR(depth, 70, 50);
         EXPECT_NEAR(reading["latency_ms"], 70 + depth + margin, 0.001);
     }
 }
@@ -62,39 +52,31 @@ TEST_F(Lipsyncctl, FailsWithAStatusAndTheReason) {
         expectFailure(LIPSYNCCTL, arguments + at, status, error);
     };
     fails("ping", 3,
-          "lipsyncctl: Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code "
-          "20002): Unable to connect to " +
-              socket + " {No such file or directory (Code 2)}}\n");
-    for (const char* const margin : {"30", "120", "-20", "020", "20ms", "99999999999999999999"}) {
+          "Cannot connect to Audio ZUB (Code 1004): {Connection has failed (Code 20002)");
+    for (const std::string margin : {"30", "120", "-20", "020", "20ms", "99999999999999999999"}) {
         // There is no engine: it fails before it connects.
-        fails(std::string("margin set ") + margin, 2,
-              "lipsyncctl: MS: '" + std::string(margin) +
-                  "' is not an integer from 0 to 100 in steps of 20 (see lipsyncctl "
-                  "margin set --help)\n");
+        fails("margin set " + margin, 2,
+              "MS: '" + margin + "' is not an integer from 0 to 100 in steps of 20 (see lipsync");
     }
     const Engine idle(socket, {"--no-call"});
-    fails("timestamps", 5,
-          "lipsyncctl: The AZUB is not performing a call (Code 1007): {Bad state (Code 1003): no "
-          "call}\n");
-    fails("margin set 40", 5, "lipsyncctl: The AZUB is not performing a call (Code 1007): {Bad");
-    fails("capabilities", 1, "lipsyncctl: cannot write to standard output\n");
-    fails("", 2, "lipsyncctl: a command is required");
-    fails("margin set", 2, "lipsyncctl: MS is required");
-    fails("margin set 20 margin set 40", 2, "lipsyncctl: unexpected argument 'margin'");
-    fails("ping --count 4000000000", 2, "lipsyncctl: --count");
-    fails("--format xml ping", 2, "lipsyncctl: --format: 'xml' is not text, json or csv");
+    const std::string noCall = "The AZUB is not performing a call (Code 1007): {Bad state (Code ";
+    fails("timestamps", 5, noCall + "1003): no call}\n");
+    fails("margin set 40", 5, noCall);
+    fails("capabilities", 1, "cannot write to standard output\n");
+    fails("", 2, "a command is required");
+    fails("margin set", 2, "MS is required");
+    fails("margin set 20 margin set 40", 2, "unexpected argument 'margin'");
+    fails("ping --count 4000000000", 2, "--count");
+    fails("--format xml ping", 2, "--format: 'xml' is not text, json or csv");
 }
 
 TEST_F(Lipsyncctl, ShowsLogLinesOnlyOnRequestAndTakesTheSocketFromTheEnvironment) {
     const Engine engine(socket);
     setenv("LIPSYNCCTL_SOCKET", socket.c_str(), 1);
-    Process quiet({LIPSYNCCTL, "margin", "set", "20"});
-    Process talkative({LIPSYNCCTL, "margin", "set", "20", "--log"});
-    Process elsewhere({LIPSYNCCTL, "margin", "set", "20", "-s", socket + "x"});
+    EXPECT_EQ(run(LIPSYNCCTL, "margin set 20"), "the engine delays the audio by 20 ms\n");
+    EXPECT_IN("I/AZUBLIPSYNCAPI Client is conn", run(LIPSYNCCTL, "margin set 20 --log"));
+    EXPECT_IN("x {No such file", run(LIPSYNCCTL, "margin set 20 -s " + socket + 'x', 3));
     unsetenv("LIPSYNCCTL_SOCKET");
-    EXPECT_EQ(quiet.readAll(), "the engine delays the audio by 20 ms\n");
-    EXPECT_PRED_FORMAT2(IsSubstring, "I/AZUBLIPSYNCAPI Client is conn", talkative.readAll());
-    EXPECT_PRED_FORMAT2(IsSubstring, socket + "x {No such file", elsewhere.readAll());
 }
 
 TEST_F(Lipsyncctl, MakesTheEnginesMessagePrintable) {
@@ -103,9 +85,9 @@ TEST_F(Lipsyncctl, MakesTheEnginesMessagePrintable) {
     EXPECT_EQ(run(LIPSYNCCTL, "timestamps" + at, 6),
               "lipsyncctl: " + before + "(Code 1001): \\x1b[31m\"red\", \\xc2\\x9b \\x7f}\n");
     const std::string json = run(LIPSYNCCTL, "timestamps --format json" + at, 6);
-    EXPECT_PRED_FORMAT2(IsSubstring, "\\u001b[31m\\\"red\\\", \\u009b \\u007f}\"}}\n", json);
+    EXPECT_IN("\\u001b[31m\\\"red\\\", \\u009b \\u007f}\"}}\n", json);
     EXPECT_EQ(nlohmann::json::parse(json.substr(0, json.find('\n')))["error"]["kind"], "refused");
-    Process watch({LIPSYNCCTL, "timestamps", "--watch", "--format", "csv", "-s", socket});
+    const Process watch(LIPSYNCCTL, "timestamps --watch --format csv" + at);
     watch.readUntil("error\n");
     EXPECT_TRUE(std::regex_match(
         watch.readUntil("\n"),
@@ -116,36 +98,34 @@ TEST_F(Lipsyncctl, GivesUpAfterTheTimeout) {
     const Engine engine(socket, {"--fault", "silence", "--every", "3"});
     run(LIPSYNCCTL, "margin set 20 --timeout 30000" + at);
     const std::string output = run(LIPSYNCCTL, "ping --timeout 400 --format json" + at, 4);
-    EXPECT_PRED_FORMAT2(IsSubstring, "{\"exchanges\":1,", output);
-    EXPECT_PRED_FORMAT2(IsSubstring, "lipsyncctl: no answer within 400 ms\n", output);
-    EXPECT_PRED_FORMAT2(IsSubstring,
-                        "{\"error\":{\"kind\":\"timeout\",\"code\":1005,\"text\":\"no a", output);
+    EXPECT_IN("{\"exchanges\":1,", output);
+    EXPECT_IN("lipsyncctl: no answer within 400 ms\n", output);
+    EXPECT_IN("{\"error\":{\"kind\":\"timeout\",\"code\":1005,\"text\":\"no a", output);
     // A watch gets its second reading on a new connection.
-    EXPECT_PRED_FORMAT2(
-        IsSubstring, "Waiting for the engine: no answer within 400 ms\n",
-        run(LIPSYNCCTL, "timestamps --watch --count 4 --interval 1 --timeout 400" + at));
+    EXPECT_IN("Waiting for the engine: no answer within 400 ms\n",
+              run(LIPSYNCCTL, "timestamps --watch --count 4 --interval 1 --timeout 400" + at));
 }
 
 TEST_F(Lipsyncctl, GivesUpIfTheEngineDoesNotAcceptConnections) {
-    const tests::Listener listener(socket);
+    const Listener listener(socket);
     // Its queue takes one more than the four that it asks for.
-    std::array<std::unique_ptr<velta::zub::comms::Link>, 5> waiting;
+    std::unique_ptr<velta::zub::comms::Link> waiting[5];
     for (auto& client : waiting) {
         client = connectTo(socket);
     }
     expectFailure(LIPSYNCCTL, "capabilities --timeout 100" + at, 4,
-                  "lipsyncctl: no connection within 100 ms\n");
+                  "no connection within 100 ms\n");
 }
 
 TEST_F(Lipsyncctl, PingCountsRefusalsAndPrintsItsFiguresWhenInterrupted) {
     const Engine engine(socket,
                         {"--fault", "error 1002", "--fault", "error 7", "--fault", "silence"});
-    Process ping({LIPSYNCCTL, "ping", "--socket", socket});
+    Process ping(LIPSYNCCTL, "ping" + at);
     for (int request = 0; request < 3; ++request) {
         engine.readUntil("GetAudioTs");
     }
     // Now it waits for an answer.
     ping.signal(SIGINT);
-    EXPECT_PRED_FORMAT2(IsSubstring, "2 exchanges, 2 refused: min ", ping.readAll());
+    EXPECT_IN("2 exchanges, 2 refused: min ", ping.readAll());
     EXPECT_EQ(ping.wait(), 130);
 }

@@ -1,18 +1,10 @@
-#include <chrono>
-#include <csignal>
-#include <memory>
 #include <nlohmann/json.hpp>
-#include <thread>
 #include <tuple>
 
 #include "tests/tools/Engine.h"
 
-using tests::Engine;
-using tests::Process;
-
-using testing::IsSubstring;
-
-using LipsyncctlWatch = tests::EngineTest;
+using namespace tests;
+using LipsyncctlWatch = EngineTest;
 
 namespace {
 
@@ -25,30 +17,26 @@ nlohmann::json readRecord(const Process& watch) {
 
 // The view begins with a title; without ncurses there is a message with a colon instead.
 bool hasLiveView(const Process& view) {
-    if (!view.hasStarted()) {
-        return false;
-    }
-    view.readUntil("lipsyncctl");
-    return view.readUntil(" ") == " ";
+    return view.hasStarted() && !view.readUntil("lipsyncctl").empty() && view.readUntil(" ") == " ";
 }
 
 } // namespace
 
 TEST_F(LipsyncctlWatch, EndsQuietlyWhenItsReaderHasGone) {
     const Engine engine(socket);
-    Process watch({LIPSYNCCTL, "timestamps", "--watch", "--interval", "1", "--socket", socket});
+    Process watch(LIPSYNCCTL, "timestamps --watch --interval 1" + at);
     watch.readUntil("captured ");
     watch.stopReading();
     EXPECT_EQ(watch.wait(), -SIGPIPE);
 }
 
 TEST_F(LipsyncctlWatch, WaitsForTheEngineAndWatchesForALimitedTime) {
-    Process waiting({LIPSYNCCTL, "capabilities", "--wait", "60", "--socket", socket});
+    const Process waiting(LIPSYNCCTL, "capabilities --wait 60" + at);
     run(LIPSYNCCTL, "timestamps --wait 1" + at, 3);
-    EXPECT_PRED_FORMAT2(IsSubstring, "lipsyncctl: 0 readings within 1 s\n",
-                        run(LIPSYNCCTL, "timestamps --max-time 1" + at, 4));
+    EXPECT_IN("lipsyncctl: 0 readings within 1 s\n",
+              run(LIPSYNCCTL, "timestamps --max-time 1" + at, 4));
     const Engine engine(socket);
-    EXPECT_PRED_FORMAT2(IsSubstring, "margins of 0", waiting.readAll());
+    EXPECT_IN("margins of 0", waiting.readAll());
     run(LIPSYNCCTL, "timestamps --interval 900 --max-time 1" + at);
     run(LIPSYNCCTL, "timestamps --interval 900 --count 3 --max-time 1" + at, 4);
 }
@@ -56,8 +44,8 @@ TEST_F(LipsyncctlWatch, WaitsForTheEngineAndWatchesForALimitedTime) {
 TEST_F(LipsyncctlWatch, CanBeEndedWhenItsReaderDoesNotRead) {
     // Longer than a pipe takes.
     const Engine engine(socket, {"--fault", "error 1001 " + std::string(100000, 'x')});
-    for (const char* const format : {"text", "json"}) {
-        Process watch({LIPSYNCCTL, "timestamps", "--watch", "--format", format, "-s", socket});
+    for (const std::string format : {"text", "json"}) {
+        Process watch(LIPSYNCCTL, "timestamps --watch --format " + format + at);
         watch.readUntil("lipsyncctl: ");
         watch.signal(SIGINT);
         EXPECT_EQ(watch.wait(), 130);
@@ -65,12 +53,9 @@ TEST_F(LipsyncctlWatch, CanBeEndedWhenItsReaderDoesNotRead) {
 }
 
 TEST_F(LipsyncctlWatch, ReadsAtOnceAfterAnOutageAndThenAtTheInterval) {
-    const auto watch = [&](const std::string& intervalMs) {
-        return Process({LIPSYNCCTL, "timestamps", "--watch", "--interval", intervalMs, "--format",
-                        "json", "--socket", socket});
-    };
-    const Process rare = watch("3600000");
-    const Process frequent = watch("1000");
+    const std::string watch = "timestamps --watch --format json" + at + " --interval ";
+    const Process rare(LIPSYNCCTL, watch + "3600000");
+    const Process frequent(LIPSYNCCTL, watch + "1000");
     for (const Process* const process : {&rare, &frequent}) {
         const nlohmann::json outage = readRecord(*process);
         EXPECT_EQ(outage["error"]["code"], 1004);
@@ -86,7 +71,7 @@ TEST_F(LipsyncctlWatch, ReadsAtOnceAfterAnOutageAndThenAtTheInterval) {
 
 TEST_F(LipsyncctlWatch, WatchesAnEngineThatGoesAwayComesBackAndFallsSilent) {
     auto engine = std::make_unique<Engine>(socket);
-    Process watch({LIPSYNCCTL, "timestamps", "--watch", "--interval", "20", "--socket", socket});
+    Process watch(LIPSYNCCTL, "timestamps --watch --interval 20" + at);
     watch.readUntil("  latency ");
     engine.reset();
     watch.readUntil("lipsyncctl: Waiting for the engine: Cannot connect to Audio ZUB");
@@ -104,26 +89,25 @@ TEST_F(LipsyncctlWatch, WatchesAnEngineThatGoesAwayComesBackAndFallsSilent) {
 
 TEST_F(LipsyncctlWatch, ShowsALiveViewIfTheTerminalCanAndLeavesItAsItWas) {
     const Engine engine(socket);
-    Process view({LIPSYNCCTL, "timestamps", "--watch", "--interval", "50", "--socket", socket},
-                 Process::ToTerminal);
+    Process view(LIPSYNCCTL, "timestamps --watch --interval 50" + at, Process::ToTerminal);
     if (!hasLiveView(view)) {
         GTEST_SKIP() << "built without a live view, or no pseudo-terminal can be opened";
     }
-    EXPECT_PRED_FORMAT2(IsSubstring, "Captured", view.readUntil("capture to rendering"));
+    EXPECT_IN("Captured", view.readUntil("capture to rendering"));
     engine.signal(SIGTERM);
     // Only changed characters are written; this text differs from what was on the screen.
     view.readUntil("occured in the transport layer");
     view.write("\x03");
     // The terminal's previous text is restored.
     const std::string end = view.readAll();
-    EXPECT_PRED_FORMAT2(IsSubstring, "\x1b[?1049l", end);
-    EXPECT_PRED_FORMAT2(IsSubstring, ", outages 1\r\nLatency: min ", end);
+    EXPECT_IN("\x1b[?1049l", end);
+    EXPECT_IN(", outages 1\r\nLatency: min ", end);
     EXPECT_EQ(view.wait(), 130);
 
     const Engine again(socket);
     const std::string lines =
         run(LIPSYNCCTL, "timestamps --watch --count 1" + at, 0, Process::ToDumbTerminal);
-    EXPECT_PRED_FORMAT2(IsSubstring, "captured ", lines);
+    EXPECT_IN("captured ", lines);
     EXPECT_EQ(lines.find('\x1b'), std::string::npos) << lines;
 }
 
@@ -135,14 +119,13 @@ TEST_F(LipsyncctlWatch, LiveViewSaysThatTheEngineIsSilentAndQuitsOnKeys) {
     const std::tuple<std::string, const char*, const char*> cases[] = {
         {socket, "Connecting", "q"}, {socket, "No answer for", "\x1b"}, {other, "Refused", "Q"}};
     for (const auto& [path, state, key] : cases) {
-        Process view({LIPSYNCCTL, "timestamps", "--interval", "1", "--socket", path},
-                     Process::ToTerminal);
+        Process view(LIPSYNCCTL, "timestamps --interval 1 --socket " + path, Process::ToTerminal);
         if (!hasLiveView(view)) {
             GTEST_SKIP() << "built without a live view, or no pseudo-terminal can be opened";
         }
         view.readUntil(state);
         view.write(key);
-        EXPECT_PRED_FORMAT2(IsSubstring, ", outages 0\r\n", view.readAll());
+        EXPECT_IN(", outages 0\r\n", view.readAll());
         EXPECT_EQ(view.wait(), 0);
     }
 }

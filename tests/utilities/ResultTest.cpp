@@ -19,8 +19,7 @@
 #include "utilities/xmlserializer/ResultTrait.h"
 
 namespace zub = velta::zub;
-using velta::utilities::result::ErrnoTrait;
-using velta::utilities::result::Result;
+using namespace velta::utilities::result;
 using velta::zub::comms::Link;
 using velta::zub::lipsyncapi::Service;
 
