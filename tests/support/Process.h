@@ -78,7 +78,7 @@ public:
                 const std::string rest = readUntil("\n");
                 const bool isFlag =
                     rest.find(": unsupported flags DT_FLAGS_1=") != std::string::npos;
-                output = isFlag ? "" : output + rest;
+                output = isFlag ? "" : std::string(output).append(rest);
             }
         }
         return output;

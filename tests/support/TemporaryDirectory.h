@@ -10,9 +10,7 @@ namespace tests {
 /// missing. The destructor removes it with its contents.
 class TemporaryDirectory {
 public:
-    TemporaryDirectory() {
-        std::error_code isMissing; // Then the folder is an empty path.
-        _path = std::filesystem::temp_directory_path(isMissing) / "zublipsyncXXXXXX";
+    TemporaryDirectory() : _path(pattern()) {
         if (mkdtemp(_path.data()) == nullptr) {
             std::abort();
         }
@@ -29,6 +27,11 @@ public:
     const std::string& path() const { return _path; }
 
 private:
+    static std::string pattern() {
+        std::error_code isMissing; // Then the folder is an empty path.
+        return std::filesystem::temp_directory_path(isMissing) / "zublipsyncXXXXXX";
+    }
+
     std::string _path;
 };
 

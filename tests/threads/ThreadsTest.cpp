@@ -38,6 +38,7 @@ TEST(Threads, MayEachUseAServiceIfOneLockProtectsExchanges) {
     };
     const std::string log = tests::logOf([&] {
         std::vector<std::future<void>> threads;
+        threads.reserve(threadCount);
         for (int i = 0; i < threadCount; ++i) {
             threads.push_back(std::async(std::launch::async, useService, std::to_string(i)));
         }

@@ -48,7 +48,7 @@ protected:
     static std::string run(const std::string& program, const std::string& arguments, int status = 0,
                            Process::Output to = Process::ToTest) {
         Process process(program, arguments, to);
-        const std::string output = process.readAll();
+        std::string output = process.readAll();
         EXPECT_EQ(process.wait(), status) << arguments << ": " << output;
         return output;
     }

@@ -161,10 +161,11 @@ TEST_F(ReportsTest, BecomeTracesWhoseSlicesDoNotOverlap) {
 
 TEST(AudioEngine, AnswersEveryCommand) {
     AudioEngine engine;
-    for (const std::string command : names::commands) {
-        const Request request =
-            parseRequest(frame('<' + command + "_Request>40</" + command + "_Request>"));
-        EXPECT_TRUE(engine.answer(request, {})) << command;
+    const auto request = [](const std::string& command) {
+        return parseRequest(frame('<' + command + "_Request>40</" + command + "_Request>"));
+    };
+    for (const char* const command : names::commands) {
+        EXPECT_TRUE(engine.answer(request(command), {})) << command;
     }
 }
 

@@ -64,7 +64,7 @@ TEST_F(Scenario, MistakesInFilesAreNamedWithTheirLine) {
     const std::string columns = "time_s,audio_ms,depth_ms,picture_ms";
     for (const std::string line : {"0.1,70,13", "0.1,70,13,", "0.1,70,13,119,1", "0.1,70,13,119,",
                                    "0.1,nan,13,119", "0.1, 70,13,119", ""}) {
-        expectError("--network", columns + "\n0,70,13,119.7\n" + line + "\n1,2,3,x\n",
+        expectError("--network", (columns + "\n0,70,13,119.7\n").append(line + "\n1,2,3,x\n"),
                     "3: '" + line + "' is not four numbers\n");
     }
     for (const auto& [rows, error] : std::initializer_list<std::pair<std::string, std::string>>{

@@ -49,7 +49,7 @@ void addCommand(CLI::App& app, Options& options, const std::string& name, const 
     const auto add = [=, &options](const std::vector<std::string>& values) {
         std::string command = name;
         for (const std::string& value : values) {
-            options.commands.push_back(command + ' ' + value);
+            options.commands.push_back(std::string(command).append(' ' + value));
             command = whenRepeated.empty() ? name : whenRepeated;
         }
     };

@@ -22,13 +22,16 @@ using namespace azubsim;
 void forEachExchange(const std::string& path, bool follows,
                      const std::function<void(const Exchange&)>& handle) {
     Recording recording(path);
-    do {
+    for (;;) {
         while (const auto exchange = recording.next()) {
             handle(*exchange);
             tools::checkOutput();
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(follows ? 100 : 0));
-    } while (follows);
+        if (!follows) {
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
     if (recording.isCut()) {
         tools::complain("the last line of the recording is unfinished and is left out");
     }
