@@ -75,8 +75,9 @@ TEST_F(ReportsTest, KeepAllOfAnExchange) {
     first.leftOut = 3;
     first.isComplete = false;
     Exchange late = exchange(2, 1, "r", {{{std::chrono::hours(2), "x"}}, false});
+    late.engineTook = std::chrono::hours(2);
     record(file, {first, late});
-    late.reply.pieces[0].wait = std::chrono::hours(1);
+    late.reply.pieces[0].wait = late.engineTook = std::chrono::hours(1);
     Recording recording(file);
     EXPECT_EQ(shown(recording.next().value()), shown(first));
     EXPECT_EQ(shown(recording.next().value()), shown(late));

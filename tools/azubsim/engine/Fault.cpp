@@ -46,11 +46,13 @@ Reply split(const std::string& answer, std::mt19937&) {
     return reply;
 }
 
-// Delivers the answer after a change to its root element.
+// Delivers the answer after a change to its root element. One that is far too long or too deep for
+// an engine's stays as it is: changing it could take minutes, or all of the stack.
 Action edited(const std::function<void(pugi::xml_node root)>& change) {
     return [change](const std::string& answer, std::mt19937&) {
         pugi::xml_document document;
-        const bool isXml = document.load_buffer(answer.data(), answer.size());
+        const bool isXml =
+            answer.size() <= 65536 && document.load_buffer(answer.data(), answer.size());
         if (isXml) {
             change(document.document_element());
         }

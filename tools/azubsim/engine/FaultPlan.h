@@ -43,7 +43,7 @@ public:
     static void checkTarget(const std::string& target) {
         const tools::Words words(target);
         const int client = tools::parseInteger<int>(words.rest).value_or(0);
-        tools::require((words.first == "client" && client > 0) || target == "all" ||
+        tools::require((client > 0 && target == "client " + words.rest) || target == "all" ||
                            names::contains(names::commands, target),
                        "'" + target + "' is not one of " + names::joined(names::commands, ", ") +
                            ", client N and all");

@@ -80,7 +80,8 @@ void Connection::waitForHangUp() {
                        [self = shared_from_this()](const asio::error_code& error) {
                            const auto handlers = self->_handlers;
                            if (!error && handlers) {
-                               // What is not due yet fails now.
+                               // What is not due yet fails now, and nothing more is due.
+                               self->_endsSending = true;
                                self->_timer.cancel();
                                handlers->left();
                            }

@@ -54,8 +54,9 @@ std::string toBytes(const std::string& text) {
     return bytes;
 }
 
+// No longer than what can be read again.
 double toMs(microseconds time) {
-    return tools::rounded(static_cast<double>(time.count()) / 1000);
+    return std::min(tools::rounded(static_cast<double>(time.count()) / 1000), maxWaitMs);
 }
 
 microseconds waitOf(const Json& object, const char* key) {
@@ -87,11 +88,6 @@ Exchange toExchange(const Json& object) {
     return exchange;
 }
 
-// ASCII only, so that every program reads the same characters.
-std::string line(const Json& object) {
-    return object.dump(-1, ' ', true) + '\n';
-}
-
 std::string firstLine() {
     return firstLineStart + ",\"made\":\"" + tools::isoTime(tools::now(), 6) + "\"}\n";
 }
@@ -104,8 +100,7 @@ void checkFirstLine(const std::string& line) {
 std::string toLine(const Exchange& exchange) {
     Json pieces = Json::array();
     for (const Reply::Piece& piece : exchange.reply.pieces) {
-        pieces.push_back({{"after_ms", std::min(toMs(piece.wait), maxWaitMs)},
-                          {"bytes", toCharacters(piece.bytes)}});
+        pieces.push_back({{"after_ms", toMs(piece.wait)}, {"bytes", toCharacters(piece.bytes)}});
     }
     Json object;
     object["time"] = static_cast<double>(exchange.time.count()) / 1e6;
@@ -119,7 +114,8 @@ std::string toLine(const Exchange& exchange) {
     object["said"] = toCharacters(exchange.said);
     object["left_out"] = exchange.leftOut;
     object["engine_ms"] = toMs(exchange.engineTook);
-    return line(object);
+    // ASCII only, so that every program reads the same characters.
+    return object.dump(-1, ' ', true) + '\n';
 }
 
 Exchange toExchange(const std::string& line) {

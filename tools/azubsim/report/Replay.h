@@ -42,11 +42,11 @@ public:
 
     /// The next answer; after the last one, a reply that closes the connection.
     Reply next(const std::string& request) {
-        const std::string command = key(request);
-        std::deque<Reply>& replies = _answers[command];
-        if (replies.empty()) {
+        const auto found = _answers.find(key(request));
+        if (found == _answers.end() || found->second.empty()) {
             return {{}, true};
         }
+        auto& [command, replies] = *found;
         Reply reply = replies.front();
         replies.pop_front();
         if (_rules.repeats) {
