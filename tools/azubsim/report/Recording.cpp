@@ -74,7 +74,9 @@ Exchange toExchange(const Json& object) {
     const double seconds = object.at("time").get<double>();
     require(std::abs(seconds) < 1e11, "time is out of range");
     exchange.time = microseconds(std::llround(seconds * 1e6));
-    exchange.client = object.at("client").get<int>();
+    // Other than `get`, this refuses numbers that are not whole, which may be out of range.
+    using Integer = const Json::number_integer_t&;
+    exchange.client = static_cast<int>(object.at("client").get_ref<Integer>());
     exchange.request = bytesOf(object, "request");
     exchange.isComplete = object.at("complete").get<bool>();
     for (const Json& piece : object.at("answer")) {
@@ -83,7 +85,7 @@ Exchange toExchange(const Json& object) {
     exchange.reply.closes = object.at("closes").get<bool>();
     exchange.fault = bytesOf(object, "fault");
     exchange.said = bytesOf(object, "said");
-    exchange.leftOut = object.at("left_out").get<std::size_t>();
+    exchange.leftOut = static_cast<std::size_t>(object.at("left_out").get_ref<Integer>());
     exchange.engineTook = waitOf(object, "engine_ms");
     return exchange;
 }
