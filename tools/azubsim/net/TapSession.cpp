@@ -38,11 +38,8 @@ std::shared_ptr<Connection> TapSession::start() {
     const auto self = shared_from_this();
     Connection::Handlers client;
     client.received = [self](std::string_view bytes) { self->requested(bytes); };
-    client.ended = [self] {
-        // It may still read answers.
-        self->_engine->endSending();
-        self->clientLeft();
-    };
+    // It may still read answers.
+    client.ended = [self] { self->_engine->endSending(); };
     client.left = [self] { self->clientLeft(); };
     client.drained = [self] { self->_engine->resume(); };
     client.closed = [self] {
@@ -191,6 +188,7 @@ void TapSession::reportRest() {
         _pending.back().exchange.isComplete = false;
     }
     while (!_pending.empty()) {
+        giveUpFault(_pending.front(), "no complete answer");
         _pending.front().exchange.reply.closes = !_hasClientLeft;
         reportFirst();
     }
