@@ -38,15 +38,15 @@ Connection::Connection(Socket socket)
 void Connection::start(Handlers handlers) {
     _handlers = std::make_shared<const Handlers>(std::move(handlers));
     waitForHangUp();
-    read();
+    startReading();
 }
 
 void Connection::resume() {
     _isPaused = false;
-    read();
+    startReading();
 }
 
-void Connection::read() {
+void Connection::startReading() {
     if (_isReading || _isPaused || _hasEnded || !isOpen()) {
         return;
     }
@@ -70,7 +70,7 @@ void Connection::received(const asio::error_code& error, std::size_t size) {
         return;
     }
     handlers->received({_chunk.data(), size});
-    read();
+    startReading();
 }
 
 // The end that a read finds comes after everything that the far end had sent. This one comes at

@@ -67,7 +67,7 @@ public:
     bool isOpen() const { return _socket.is_open() && !_isClosing; }
 
 private:
-    void read();
+    void startReading();
     void received(const asio::error_code& error, std::size_t size);
     void waitForHangUp();
     void write();
