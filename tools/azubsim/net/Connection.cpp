@@ -1,5 +1,6 @@
 #include "tools/azubsim/net/Connection.h"
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -30,6 +31,11 @@ asio::error_code connectAtOnce(Socket& socket, const Address& address) {
         error.assign(errno, asio::system_category());
     }
     return error;
+}
+
+bool hasHungUp(Socket& socket) {
+    pollfd polled{socket.native_handle(), 0, 0};
+    return poll(&polled, 1, 0) > 0 && (polled.revents & POLLHUP) != 0;
 }
 
 Connection::Connection(Socket socket)
@@ -79,7 +85,8 @@ void Connection::waitForHangUp() {
     _socket.async_wait(Socket::wait_error,
                        [self = shared_from_this()](const asio::error_code& error) {
                            const auto handlers = self->_handlers;
-                           if (!error && handlers) {
+                           // The event may belong to a closed socket with the same number.
+                           if (!error && handlers && hasHungUp(self->_socket)) {
                                // What is not due yet fails now, and nothing more is due.
                                self->_endsSending = true;
                                self->_timer.cancel();

@@ -24,6 +24,9 @@ Address toAddress(const std::string& path);
 /// accept is full, which Asio's own function would report as a success.
 asio::error_code connectAtOnce(Socket& socket, const Address& address);
 
+/// Whether the far end has closed its socket.
+bool hasHungUp(Socket& socket);
+
 /// A connected socket that reads and writes in the background.
 class Connection : public std::enable_shared_from_this<Connection> {
 public:

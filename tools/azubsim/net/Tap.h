@@ -1,7 +1,5 @@
 #pragma once
 
-#include <poll.h>
-
 #include <asio/io_context.hpp>
 #include <memory>
 #include <string>
@@ -36,18 +34,13 @@ public:
                                                 _shared)
                 ->start();
         }
-        if (!mustWait || hasLeft(socket)) {
+        if (!mustWait || hasHungUp(socket)) {
             socket.close();
         }
         return nullptr;
     }
 
 private:
-    static bool hasLeft(Socket& socket) {
-        pollfd polled{socket.native_handle(), 0, 0};
-        return poll(&polled, 1, 0) > 0 && (polled.revents & POLLHUP) != 0;
-    }
-
     /// Tells the user if connecting has started to fail or to succeed, or fails for another reason.
     void reportConnectState(const asio::error_code& error) {
         if (error == std::exchange(_lastError, error)) {
