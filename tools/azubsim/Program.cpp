@@ -1,5 +1,7 @@
 #include "tools/azubsim/Program.h"
 
+#include <sys/signalfd.h>
+
 #include <csignal>
 #include <utility>
 
@@ -73,10 +75,16 @@ std::string Program::status() {
 
 void Program::run() {
     prepare();
+    sigset_t signals;
+    sigemptyset(&signals);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
-        _signals.add(signal);
+        sigaddset(&signals, signal);
     }
-    _signals.async_wait([this](const asio::error_code&, int) { _io.stop(); });
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    // Unlike a handler, this cannot be held back by ThreadSanitizer.
+    _signals.assign(signalfd(-1, &signals, SFD_CLOEXEC));
+    _signals.async_wait(asio::posix::stream_descriptor::wait_read,
+                        [this](const asio::error_code&) { _io.stop(); });
     listen();
     Input input(_io, [this](const std::string& line) { execute(line); });
     input.start();
@@ -87,11 +95,8 @@ void Program::run() {
     _server.close();
     _control.close();
     _screen.say("azubsim: " + _reports.tally(_server.accepted()));
-    for (const std::string& failure : {_failure, _reports.failure()}) {
-        if (!failure.empty()) {
-            throw Error(failure);
-        }
-    }
+    tools::require(_failure.empty(), _failure);
+    tools::require(_reports.failure().empty(), _reports.failure());
 }
 
 // Reads the files and carries out the commands that the options name.
@@ -201,12 +206,8 @@ void Program::comeBack() {
     if (_server.isListening() || _downTimer.expiry() > asio::steady_timer::clock_type::now()) {
         return;
     }
-    try {
-        _server.listen();
-        _screen.say("azubsim: listening at " + tools::printable(_options.socket) + " again");
-    } catch (const Error& e) {
-        fail(e.what());
-    }
+    _server.listen();
+    _screen.say("azubsim: listening at " + tools::printable(_options.socket) + " again");
 }
 
 void Program::fail(const std::string& reason) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <asio/io_context.hpp>
-#include <asio/signal_set.hpp>
+#include <asio/posix/stream_descriptor.hpp>
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <memory>
@@ -55,7 +55,7 @@ private:
     std::optional<Tap> _tap;
     Server _server;
     Server _control;
-    asio::signal_set _signals;
+    asio::posix::stream_descriptor _signals;
     asio::steady_timer _downTimer;
     Commands _commands;
     std::optional<Scenario> _scenario;
